@@ -1,0 +1,274 @@
+/**
+ * @file
+ * Common services: diagnostic logging, the uptime clock, text utilities, field validators and interval timers.
+ *
+ * Thread rule of everything in this file: the library has no locks. Call it from one thread, one call at a time; a
+ * SIGALRM that runs library code must not be delivered while a call is in progress.
+ */
+#ifndef PENDRA_COMMON_H
+#define PENDRA_COMMON_H
+
+#include <stdint.h>
+
+/** Marks what the shared library exports. */
+#if defined(__GNUC__)
+#define PENDRA_API __attribute__((visibility("default")))
+#define PENDRA_PRINTF(formatIndex, firstArgument) __attribute__((format(printf, formatIndex, firstArgument)))
+#else
+#define PENDRA_API
+#define PENDRA_PRINTF(formatIndex, firstArgument)
+#endif
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/**
+ * @defgroup log Diagnostic logging
+ *
+ * A message of level L is handled when L is not above ::daemon_log_level. It is appended to the log file
+ * "<path>/<header>_log.txt" and echoed to the debug console "/proc/tc3162/dbg_msg". Levels in use: 4 errors, 5 notable
+ * events, 6 information, 7 trace.
+ * @{
+ */
+
+/** Threshold; default 5. A change takes effect with the next message. */
+extern PENDRA_API int32_t daemon_log_level;
+
+/** Limit of the log file in KiB; default 250. 0 or below switches the file off. */
+extern PENDRA_API int32_t daemon_log_file_size_k;
+
+/** Tag in the file's name and prefix on the console; filled with "DL" by the first message when still empty. */
+extern PENDRA_API char daemon_log_header[32];
+
+/**
+ * Directory of the log file. When still empty, the first message fills it from node "/bramble/tempdirecory", and with
+ * "/tmp" when that is empty too. The first message that passes the threshold fixes the file's name for good.
+ */
+extern PENDRA_API char daemon_log_path[64];
+
+/**
+ * Logs one message.
+ *
+ * The message is cut at 5119 bytes in the file and at 255 bytes on the console, prefix included. A message that starts
+ * a line gets "<uptime>: " in the file and "<header>> " on the console; one that continues a line gets neither, and its
+ * console copy has "%%" turned into "%". An empty message writes nothing.
+ *
+ * When the file would reach its limit it is first copied to "<file>.old" and removed, by the shell commands "cp -f" and
+ * "rm -f". A file or console that cannot be opened is skipped.
+ *
+ * @param level  0 to 7.
+ * @param format printf-style format, followed by its arguments.
+ * @return no meaning.
+ */
+PENDRA_API int32_t logPrintf(int32_t level, const char* format, ...) PENDRA_PRINTF(2, 3);
+
+/**
+ * Writes one text to "/proc/tc3162/dbg_msg", cut at 255 bytes, no newline added. When that file cannot be opened,
+ * prints "open /proc/tc3162/dbg_msg fail" and a newline on standard output.
+ *
+ * @return no meaning.
+ */
+PENDRA_API int32_t msgPrintf(const char* format, ...) PENDRA_PRINTF(1, 2);
+
+/** The same as msgPrintf(); the logger uses it for every level but 0. */
+PENDRA_API int32_t dbgPrintf(const char* format, ...) PENDRA_PRINTF(1, 2);
+
+/** @return the system's uptime in whole seconds, from sysinfo(2): the library's only clock. */
+PENDRA_API uint32_t sys_uptime_seconds(void);
+
+/** @return the uptime as decimal text, in one static buffer that every call overwrites. */
+PENDRA_API char* sys_uptime_sec_str(void);
+
+/**
+ * @param path a file's path.
+ * @return its size in bytes, -1 when stat(2) fails or @p path is null.
+ */
+PENDRA_API int32_t getFileSize(const char* path);
+/** @} */
+
+/**
+ * @defgroup text Text utilities
+ *
+ * None of them allocates; all write into buffers that the caller owns. A null text gives null or 0 and is never
+ * followed.
+ * @{
+ */
+
+/**
+ * Strips leading and trailing characters of a set.
+ *
+ * @param text modified: trailing characters of the set become NUL.
+ * @param set  the characters to strip.
+ * @return a pointer into @p text at its first character that is not in the set.
+ */
+PENDRA_API char* strip_chars(char* text, const char* set);
+
+/** Removes leading and trailing spaces and tabs (carriage return and line feed stay). @return @p text. */
+PENDRA_API char* trim(char* text);
+
+/**
+ * Copies a text and trims the copy.
+ *
+ * @param destination at least strlen(source) + 1 bytes.
+ * @return @p destination.
+ */
+PENDRA_API char* trimTo(char* destination, const char* source);
+
+/** @return the first occurrence of @p pattern ignoring case, null when there is none or the pattern is empty. */
+PENDRA_API char* strstri(const char* text, const char* pattern);
+
+/**
+ * Maps a text to its row in a name table, ignoring case, and overwrites it with the row's own spelling.
+ *
+ * @param text  modified when found.
+ * @param table rows closed by the sentinel "\0_" (NUL, underscore, NUL). A real empty row is the literal "\0".
+ * @return the row's index, -1 when no row equals the text.
+ */
+PENDRA_API int32_t SearchKeyArray(char* text, const char* const* table);
+
+/**
+ * Replaces every occurrence of a keyword, case-sensitively.
+ *
+ * @param destination must hold the whole result: no bound is checked.
+ * @return @p destination.
+ */
+PENDRA_API char* strChgKeyword(char* destination, const char* source, const char* keyword, const char* replacement);
+
+/**
+ * Replaces "$lanip" by node "/runtime/bramble/lanip" and "$zepport" by node "/bramble/zephttpport" in place.
+ *
+ * @param text at least 256 bytes when the replacements are longer than the keywords; the result is cut at 255 bytes.
+ * @return @p text.
+ */
+PENDRA_API char* strChgZepKeywords(char* text);
+
+/**
+ * Copies a text and decodes XML entities (the five predefined ones by name or number, "nbsp;", "#32;" and "#160;").
+ * Unknown entities stay as they are.
+ *
+ * @param count source bytes to take. The result is terminated only when the source's NUL lies among them: terminate
+ *              it yourself.
+ * @return @p destination; null when that is null.
+ */
+PENDRA_API char* strncpy_XmlDecode(char* destination, const char* source, int32_t count);
+
+/**
+ * Copies a text and encodes the five XML special characters (the single quote as "#39;").
+ *
+ * @param count destination bytes to write at the most; an entity may be cut by it. The result is terminated only when
+ *              the NUL fits: terminate it yourself.
+ * @return @p destination; null when that is null.
+ */
+PENDRA_API char* strncpy_XmlEncode(char* destination, const char* source, int32_t count);
+
+/**
+ * Reads a node's text with "$lanip" and "$zepport" replaced.
+ *
+ * Reading an empty node with a default also stores the default in the node.
+ *
+ * @param destination 256 bytes.
+ * @param path        the node's path, taken as it stands.
+ * @param defaultText used when the node is empty; may be null.
+ * @param encode      non-zero: encode the result for XML (cut at 255 bytes).
+ * @return @p destination.
+ */
+PENDRA_API char* getXNode_(char* destination, const char* path, const char* defaultText, int32_t encode);
+
+/** getXNode_() without encoding. */
+PENDRA_API char* getXNode(char* destination, const char* path, const char* defaultText);
+/** @} */
+
+/**
+ * @defgroup valid Field validators
+ *
+ * Pure functions: no state, no log, no change of their input. Dotted texts are read like "%d.%d.%d.%d": leading blanks
+ * and signs are accepted, what follows the fourth number is ignored, fewer than four numbers are invalid, and a number
+ * beyond an int is out of range.
+ * @{
+ */
+
+/** @return 1 when low <= value <= high, else 0. */
+PENDRA_API int32_t is_in_range(int32_t value, int32_t low, int32_t high);
+
+/** @return 1 for a host address (first number 1 to 223 but 127, last 1 to 255), else 0. */
+PENDRA_API int32_t is_Valid_IP(const char* text);
+
+/** @return 1 for a mask whose one-bits are contiguous from the top (0.0.0.0 included), else 0. */
+PENDRA_API int32_t is_Valid_Netmask(const char* text);
+
+/** @return 1 when mask and addresses are valid and both addresses lie in one subnet, else 0. */
+PENDRA_API int32_t is_Valid_IP_CheckMask(const char* mask, const char* address1, const char* address2);
+
+/** @return 1 for 8 to 63 characters of any kind or 64 digits "0-9A-F" (upper case only), else 0. */
+PENDRA_API int32_t is_Valid_WpaPskKey(const char* text);
+
+/**
+ * @param length key length in characters: 5 or 13.
+ * @return 1 for @p length characters of any kind or twice as many digits "0-9A-F" (upper case only), else 0.
+ */
+PENDRA_API int32_t is_Valid_WepKey(const char* text, uint32_t length);
+
+/**
+ * Checks a value under a validation rule, a comma-separated text (field 0 is the type):
+ * - "1,maximum,minimum": a number;
+ * - "0,maximum length,minimum length,allow control characters,allow list,range,range...": a text, where a range is
+ *   "a-z" or one character and "\," stands for a comma;
+ * - any other type accepts everything.
+ *
+ * @param value may be null.
+ * @param rule  may be null; cut at 255 characters and 32 fields.
+ * @return 0 valid; 3 value missing; 10 length; 11 forbidden character; 20 above the maximum; 21 below the minimum.
+ */
+PENDRA_API int32_t validate_ZepData(const char* value, const char* rule);
+/** @} */
+
+/**
+ * @defgroup timer Interval timers
+ *
+ * Software timers that the host's periodic tick counts down. The caller owns every record; free one only while it is
+ * not in ::timer_list.
+ * @{
+ */
+
+/** A timer record, created by create_timer(). */
+typedef struct zep_timer {
+    struct zep_timer* next;           /**< link in ::timer_list */
+    uint32_t remaining;               /**< ticks left */
+    uint32_t period;                  /**< ticks to reload after expiry */
+    uint32_t flags;                   /**< stored for the host; selects nothing here */
+    void* argument;                   /**< handed to the callback */
+    void* argument2;                  /**< stored for the host */
+    void (*callback)(void* argument); /**< called on expiry; may be null */
+} zep_timer;
+
+/** Armed timers, last armed first; null when there are none. */
+extern PENDRA_API zep_timer* timer_list;
+
+/**
+ * Allocates a timer record. It is not armed.
+ *
+ * @param period ticks until expiry, and between expiries.
+ * @return the record, or null when memory is out (logged at level 5).
+ */
+PENDRA_API zep_timer* create_timer(uint32_t period, void (*callback)(void*), void* argument, void* argument2,
+                                   uint32_t flags);
+
+/**
+ * Arms a timer: links it at the head of ::timer_list. A timer with no ticks left is not linked; its callback is called
+ * at once. A null timer, or one that is armed already, is left alone.
+ */
+PENDRA_API void add_timer(zep_timer* timer);
+
+/**
+ * The tick routine: counts every armed timer down by one, calls the callback of each that reaches 0 and reloads it from
+ * its period. The host calls it once a second. A callback may arm timers; it must not free its own record.
+ */
+PENDRA_API void tick_timers(void);
+/** @} */
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif
