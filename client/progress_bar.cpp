@@ -1,0 +1,44 @@
+#include "client/progress_bar.h"
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <thread>
+
+namespace pendra::client {
+
+namespace {
+
+constexpr int kBarWidth = 40;
+
+void draw(int elapsedSeconds, int totalSeconds) {
+    std::fprintf(stderr, "\r%s", barText(elapsedSeconds, totalSeconds, kBarWidth).c_str());
+}
+
+} // namespace
+
+std::string barText(int elapsedSeconds, int totalSeconds, int width) {
+    const int elapsed = std::clamp(elapsedSeconds, 0, totalSeconds);
+    const int filled = totalSeconds == 0 ? width : width * elapsed / totalSeconds;
+    const std::string total = std::to_string(totalSeconds);
+    std::string passed = std::to_string(elapsed);
+    passed.insert(0, total.size() - passed.size(), ' ');
+    return "[" + std::string(static_cast<size_t>(filled), '#') + std::string(static_cast<size_t>(width - filled), '-') +
+           "] " + passed + " of " + total + " s";
+}
+
+void waitWithBar(int seconds) {
+    const bool visible = isatty(STDERR_FILENO) == 1;
+    const auto start = std::chrono::steady_clock::now();
+    for (int elapsed = 0; elapsed < seconds; ++elapsed) {
+        if (visible) draw(elapsed, seconds);
+        std::this_thread::sleep_until(start + std::chrono::seconds(elapsed + 1));
+    }
+    if (!visible) return;
+    draw(seconds, seconds);
+    std::fputc('\n', stderr);
+}
+
+} // namespace pendra::client

@@ -1,0 +1,74 @@
+#include "client/result_document.h"
+
+#include <algorithm>
+#include <charconv>
+
+namespace pendra::client {
+
+namespace {
+
+constexpr int kMaxWaitSeconds = 3600;
+
+struct ResultText {
+    int code;
+    const char* words;
+    bool namesElement;
+};
+
+constexpr ResultText kResultTexts[] = {
+    {0, "The device has applied the settings.", false},
+    {1, "The document's version differs from the one the device speaks.", false},
+    {2, "The document lacks an element", true},
+    {3, "A value is not valid", true},
+    {10, "A value has the wrong length", true},
+    {11, "A value holds a forbidden character", true},
+    {20, "A value is too large", true},
+    {21, "A value is too small", true},
+};
+
+std::optional<std::string> elementText(const std::string& xml, const std::string& tag) {
+    const std::string opening = "<" + tag + ">";
+    const size_t begin = xml.find(opening);
+    if (begin == std::string::npos) return std::nullopt;
+    const size_t end = xml.find("</" + tag + ">", begin);
+    if (end == std::string::npos) return std::nullopt;
+    return xml.substr(begin + opening.size(), end - begin - opening.size());
+}
+
+std::optional<int> elementNumber(const std::string& xml, const std::string& tag) {
+    const auto text = elementText(xml, tag);
+    if (!text) return std::nullopt;
+    int number = 0;
+    const char* end = text->data() + text->size();
+    const auto [stop, fault] = std::from_chars(text->data(), end, number);
+    if (fault != std::errc{} || stop != end) return std::nullopt;
+    return number;
+}
+
+} // namespace
+
+std::optional<ResultDocument> parseResult(const std::string& xml) {
+    const auto code = elementNumber(xml, "ZepSetResult");
+    const auto message = elementText(xml, "ZepSetMsg");
+    const auto waitSeconds = elementNumber(xml, "ZepGetWaitSec");
+    if (!code || !message || !waitSeconds) return std::nullopt;
+    if (*waitSeconds < 0 || *waitSeconds > kMaxWaitSeconds) return std::nullopt;
+    return ResultDocument{*code, *message, *waitSeconds};
+}
+
+std::string resultInWords(const ResultDocument& result) {
+    const std::string element = printable(result.message);
+    for (const ResultText& row : kResultTexts) {
+        if (row.code != result.code) continue;
+        return row.namesElement ? row.words + (": " + element) : row.words;
+    }
+    return "The device reports result " + std::to_string(result.code) + ": " + element;
+}
+
+std::string printable(std::string text) {
+    const auto isControl = [](char c) { return (c >= 0 && c < ' ') || c == '\x7f'; };
+    std::replace_if(text.begin(), text.end(), isControl, '?');
+    return text;
+}
+
+} // namespace pendra::client

@@ -1,0 +1,89 @@
+#include "host/routes.h"
+
+#include "host/documents.h"
+#include "host/sessions.h"
+#include "host/stations.h"
+#include "pendra/auth.h"
+
+namespace pendra::host {
+
+namespace {
+
+constexpr Route kRoutes[] = {
+    {"GET", "/zep/hello", Admission::open, Body::optional, getHello},
+    {"GET", "/zep/login", Admission::open, Body::optional, login},
+    {"POST", "/zep/login", Admission::open, Body::optional, login},
+    {"POST", "/zep/setup", Admission::needed, Body::needed, postSetup},
+    {"GET", "/zep/result", Admission::needed, Body::optional, getResult},
+    {"GET", "/zep/stations", Admission::needed, Body::optional, getStations},
+    {"POST", "/zep/stations", Admission::needed, Body::needed, postStations},
+};
+
+// A HEAD request is a GET whose answer's body stays at home.
+const Route* findRoute(std::string_view method, std::string_view path) {
+    const std::string_view wanted = method == "HEAD" ? "GET" : method;
+    for (const Route& route : kRoutes) {
+        if (route.path == path && route.method == wanted) return &route;
+    }
+    return nullptr;
+}
+
+std::string methodsOf(std::string_view path) {
+    std::string methods;
+    for (const Route& route : kRoutes) {
+        if (route.path != path) continue;
+        if (!methods.empty()) methods += ", ";
+        methods += route.method == "GET" ? "GET, HEAD" : route.method;
+    }
+    return methods;
+}
+
+Answer noRoute(std::string_view path) {
+    const std::string methods = methodsOf(path);
+    if (methods.empty()) return textAnswer(MHD_HTTP_NOT_FOUND, "There is nothing at this address.");
+    Answer answer = textAnswer(MHD_HTTP_METHOD_NOT_ALLOWED, "This address takes " + methods + " only.");
+    answer.allow = methods;
+    return answer;
+}
+
+Answer tooLong() {
+    return textAnswer(MHD_HTTP_CONTENT_TOO_LARGE, "The body is longer than 1 MiB.");
+}
+
+} // namespace
+
+std::optional<Answer> admitRequest(Request& request, std::string_view method, std::string_view path,
+                                   size_t declaredLength) {
+    request.route = findRoute(method, path);
+    if (request.route == nullptr) return noRoute(path);
+    if (request.route->admission == Admission::needed &&
+        check_PendraAuthIP(request.client.c_str(), request.query.c_str()) != 0) {
+        return textAnswer(MHD_HTTP_UNAUTHORIZED, "Log in first: this address is not admitted, or no longer.");
+    }
+    if (declaredLength > kMaxBody) return tooLong();
+    return std::nullopt;
+}
+
+void receiveBody(Request& request, std::string_view stretch) {
+    request.received += stretch.size();
+    if (request.refusal) return;
+    if (request.received > kMaxBody) {
+        request.refusal = tooLong();
+        request.body = {};
+        return;
+    }
+    request.body += stretch;
+}
+
+Answer answerRequest(Request& request) {
+    if (request.refusal) return *request.refusal;
+    if (request.route->body == Body::needed && request.body.empty()) {
+        return textAnswer(MHD_HTTP_BAD_REQUEST, "The body is empty.");
+    }
+    if (request.body.find('\0') != std::string::npos) {
+        return textAnswer(MHD_HTTP_BAD_REQUEST, "The body holds a NUL byte; send text.");
+    }
+    return request.route->handler(request);
+}
+
+} // namespace pendra::host
