@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "common/bounded_text.h"
+#include "common/number.h"
 #include "pendra/common.h"
 
 namespace {
@@ -11,10 +12,6 @@ namespace {
 enum RuleResult : int32_t { kValid = 0, kMissing = 3, kLength = 10, kCharacter = 11, kAboveMax = 20, kBelowMin = 21 };
 
 constexpr int kFieldsMax = 32;
-
-int clampToInt(long value) {
-    return value > INT_MAX ? INT_MAX : value < INT_MIN ? INT_MIN : static_cast<int>(value);
-}
 
 // Characters are signed on every target, so that bytes of 128 and above count as control characters.
 int signedCharacter(char character) {
@@ -33,7 +30,7 @@ class Rule {
     const char* field(int index) const { return fields_[index]; }
 
     int integer(int index, int whenAbsent) const {
-        return index < count_ ? clampToInt(std::strtol(fields_[index], nullptr, 10)) : whenAbsent;
+        return index < count_ ? pendra::parseInt(fields_[index]) : whenAbsent;
     }
     float real(int index, float whenAbsent) const { return index < count_ ? toReal(fields_[index]) : whenAbsent; }
 

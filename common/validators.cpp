@@ -1,7 +1,7 @@
-#include <climits>
 #include <cstdlib>
 #include <cstring>
 
+#include "common/number.h"
 #include "pendra/common.h"
 
 namespace {
@@ -18,7 +18,7 @@ bool readNumber(const char*& text, int32_t& number) {
     char* end = nullptr;
     const long value = std::strtol(text, &end, 10);
     if (end == text) return false;
-    number = value > INT_MAX ? INT_MAX : value < INT_MIN ? INT_MIN : static_cast<int32_t>(value);
+    number = pendra::clampToInt(value);
     text = end;
     return true;
 }
