@@ -26,9 +26,12 @@ Verdict require(bool valid, const char* path, const char* tag) {
 
 // The first check that does not let the document go on decides.
 template <typename... Checks>
-Verdict firstOf(Checks... checks) {
+Verdict firstOf(const Checks&... checks) {
     Verdict verdict = Verdict::goOn;
-    static_cast<void>(((verdict = checks(), verdict == Verdict::goOn) && ...));
+    const auto run = [&verdict](const auto& check) {
+        if (verdict == Verdict::goOn) verdict = check();
+    };
+    (run(checks), ...);
     return verdict;
 }
 

@@ -56,9 +56,8 @@ void append(clientAuthEntry** head, clientAuthEntry* entry) {
 
 // One dump for each entry, taken while it is still in the list.
 void emptyList(clientAuthEntry** head) {
-    while (*head != nullptr) {
+    while (clientAuthEntry* entry = *head) {
         printList(head);
-        clientAuthEntry* entry = *head;
         *head = entry->next;
         std::free(entry);
     }
