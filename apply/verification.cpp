@@ -258,9 +258,9 @@ Verdict checkSafety(const ZepSafetyWdn& safety) {
 
 int32_t Verify_ZepXml() {
     traceEntry("Verify_ZepXml");
-    ZepDevice& device = zepXmlData.device;
-    const Verdict verdict = firstOf([&] { return checkDevice(device); }, [&] { return checkRadios(device); },
-                                    [&] { return checkSafety(device.safetyWdn); });
+    const Verdict verdict =
+        firstOf([] { return checkDevice(zepXmlData.device); }, [] { return checkRadios(zepXmlData.device); },
+                [] { return checkSafety(zepXmlData.device.safetyWdn); });
     if (verdict == Verdict::goOn) {
         tracePrefix("Verify_ZepXml");
         PENDRA_LOG(kLogTrace, "done, ret=1\n");
