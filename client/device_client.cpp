@@ -66,8 +66,8 @@ std::vector<Station> readStations(const json& answer) {
 
 } // namespace
 
-DeviceClient::DeviceClient(const std::string& url, PasswordSource password)
-    : http_(url), passwordSource_(std::move(password)) {}
+DeviceClient::DeviceClient(const std::string& url, PasswordSource password, Login login)
+    : http_(url), passwordSource_(std::move(password)), loginIsDue_(login == Login::always) {}
 
 const std::string& DeviceClient::password() {
     if (!password_) password_ = passwordSource_();
@@ -88,12 +88,14 @@ Session DeviceClient::login() {
     const std::string key = accessKey(greeting.uptime, greeting.client, secret);
     const HttpReply reply = http_.post("/zep/login", "application/x-www-form-urlencoded", "PendraKey=" + key);
     if (reply.status == kUnauthorized) throw Failure(kNotAdmitted, "The device did not accept the password.");
+    loginIsDue_ = false;
     return readJson(reply, [](const json& answer) {
         return Session{answer.at("session").get<std::string>(), answer.at("seconds").get<int>()};
     });
 }
 
 HttpReply DeviceClient::admitted(const std::function<HttpReply()>& request) {
+    if (loginIsDue_) login();
     HttpReply reply = request();
     if (reply.status != kUnauthorized) return reply;
     login();

@@ -40,8 +40,13 @@ class DeviceClient {
   public:
     using PasswordSource = std::function<std::string()>;
 
-    /** @param password asked once, and only when a login is needed. */
-    DeviceClient(const std::string& url, PasswordSource password);
+    enum class Login {
+        whenNeeded, /**< an address that is still admitted needs none */
+        always,     /**< before the first request that needs admission */
+    };
+
+    /** @param password asked once, and only for a login. */
+    DeviceClient(const std::string& url, PasswordSource password, Login login);
 
     Hello hello();
     Session login();
@@ -58,6 +63,7 @@ class DeviceClient {
     HttpClient http_;
     PasswordSource passwordSource_;
     std::optional<std::string> password_;
+    bool loginIsDue_;
 };
 
 } // namespace pendra::client

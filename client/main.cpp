@@ -80,14 +80,15 @@ void addCommands(CommandLine& line) {
         ->excludes(json);
 }
 
-// A password that was given is tried at once: a wrong one must not go unnoticed just because this machine's address is
-// still admitted.
+// A password that was given is tried in any case: a wrong one must not go unnoticed just because this machine's address
+// is still admitted.
 ExitCode runCommand(const CommandLine& line) {
+    using Login = DeviceClient::Login;
     const Options& options = line.options;
     const bool given = line.password->count() > 0;
-    DeviceClient device(options.device, [&] { return given ? options.password : askPassword(); });
-    const bool admissionNeeded = !line.app.got_subcommand("hello") && !line.app.got_subcommand("login");
-    if (given && admissionNeeded) device.login();
+    DeviceClient device(
+        options.device, [&] { return given ? options.password : askPassword(); },
+        given ? Login::always : Login::whenNeeded);
     return line.command(device);
 }
 

@@ -1,9 +1,6 @@
 #include "host/startup.h"
 
-#include <sys/stat.h>
-
 #include <cstdio>
-#include <cstdlib>
 #include <filesystem>
 
 #include "host/report.h"
@@ -73,12 +70,6 @@ void setUpLog(const Options& options) {
     std::snprintf(daemon_log_path, sizeof daemon_log_path, "%s", nodeText(kTmpNode).c_str());
 }
 
-// The scripts that the library runs look at the device through these.
-void setScriptEnvironment(const Options& options) {
-    setenv("PENDRA_TREE", options.treeFile.c_str(), 1);
-    setenv("PENDRA_DEVICE", options.deviceDirectory.c_str(), 1);
-}
-
 } // namespace
 
 bool startDevice(const Options& options, std::string& error) {
@@ -86,7 +77,6 @@ bool startDevice(const Options& options, std::string& error) {
     const device::DeviceOptions device = {.treeFile = options.treeFile, .deviceDirectory = options.deviceDirectory};
     if (!device::openDevice(device, error)) return false;
     if (!storeDirectories(options, error) || !directoriesKnown(error)) return false;
-    setScriptEnvironment(options);
     setUpLog(options);
     checkDirectories();
     return true;
