@@ -93,7 +93,9 @@ ExitCode showLogin(DeviceClient& device) {
 ExitCode runSetup(DeviceClient& device, const SetupOptions& options) {
     const ResultDocument answer = device.setup(readTextFile(options.file), options.cloning);
     if (!answer.applied()) return tell(answer);
-    std::fprintf(stderr, "The device needs %d seconds until its settings take effect.\n", answer.waitSeconds);
+    if (answer.waitSeconds > 0) {
+        std::fprintf(stderr, "The device needs %d seconds until its settings take effect.\n", answer.waitSeconds);
+    }
     if (options.noWait) return tell(answer);
     waitWithBar(answer.waitSeconds);
     const auto result = pollResult(device);

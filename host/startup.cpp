@@ -24,11 +24,11 @@ bool isDirectory(const std::string& path) {
     return std::filesystem::is_directory(path, ignored);
 }
 
+// Opening the device would create what is absent: a mistyped name must not become an empty device.
 bool treeExists(const std::string& file, std::string& error) {
-    std::error_code fault;
-    if (std::filesystem::exists(file, fault)) return true;
-    error = "there is no configuration tree " + file + (fault ? ": " + fault.message() : "") +
-            " (xtree can load one from a text file)";
+    std::error_code ignored;
+    if (std::filesystem::is_regular_file(file, ignored)) return true;
+    error = "there is no configuration tree " + file + " (xtree can load one from a text file)";
     return false;
 }
 
