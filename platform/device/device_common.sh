@@ -1,3 +1,4 @@
+# shellcheck shell=sh
 # Shared by the scripts of the simulated device: they read the configuration tree and note in the device's journal what
 # a real device would do with it.
 #
@@ -67,7 +68,7 @@ resync_access_rules() {
         return
     fi
     apply wlacmode
-    "$xtree" list "$base" | grep '^acrule:' | while read -r rule; do
+    "$xtree" list "$base" | grep '^acrule:' | sort -t : -k 2n | while read -r rule; do
         apply "$rule/active" "$rule/mac"
     done
 }

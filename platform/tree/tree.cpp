@@ -1,5 +1,6 @@
 #include "platform/tree/tree.h"
 
+#include <fcntl.h>
 #include <lmdb.h>
 #include <sys/stat.h>
 
@@ -26,6 +27,12 @@ std::string inWords(int code) {
     const std::string text = mdb_strerror(code);
     const bool isOwnCode = text.starts_with("MDB_"); // "MDB_INVALID: File is not an LMDB file"
     return isOwnCode ? text.substr(text.find(' ') + 1) : text;
+}
+
+/** LMDB leaves one of its descriptors open to programs that are run from here. */
+void closeInChildren(MDB_env* env) {
+    mdb_filehandle_t descriptor = -1;
+    if (mdb_env_get_fd(env, &descriptor) == 0) ::fcntl(descriptor, F_SETFD, FD_CLOEXEC);
 }
 
 /** Goes over the keys that begin with a prefix. */
@@ -131,6 +138,7 @@ bool Tree::open(const std::string& file, Access access, std::string& error, MapS
     if (code == 0) code = mdb_env_set_mapsize(env_, mapSize_.first);
     const unsigned flags = MDB_NOSUBDIR | (access == Access::read ? MDB_RDONLY : 0u);
     if (code == 0) code = mdb_env_open(env_, file.c_str(), flags, ownerOnly);
+    if (code == 0) closeInChildren(env_);
     int dead = 0;
     if (code == 0) code = mdb_reader_check(env_, &dead); // a killed reader would keep old pages for ever
 
