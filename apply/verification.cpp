@@ -131,7 +131,7 @@ Verdict checkHardware(ZepUpLink& upLink) {
 
 Verdict checkHardwareType(ZepUpLink& upLink) {
     if (upLink.hardwareTypeIdx < 0) return fail(upLink.path, "HardwareType");
-    const bool supported = isFirstGeneration() || strstri(upLink.HardwareSupport, upLink.HardwareType) != nullptr;
+    const bool supported = isFirstGeneration() || strstri(upLink.HardwareSupport, trim(upLink.HardwareType)) != nullptr;
     return require(supported, upLink.path, "HardwareType");
 }
 
