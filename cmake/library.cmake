@@ -1,6 +1,7 @@
 # libpendra: one set of sources, a shared library that exports what cmake/pendra.symbols lists, and a static one that
 # shows its internals to the unit tests.
 set(PENDRA_SOURCES
+  common/form_encoding.cpp
   common/logging.cpp
   common/text.cpp
   common/keywords.cpp
@@ -8,6 +9,7 @@ set(PENDRA_SOURCES
   common/tree_access.cpp
   common/validation_rule.cpp
   common/validators.cpp
+  common/wildcard.cpp
   common/xml_entities.cpp
   auth/access_keys.cpp
   auth/client_list.cpp
@@ -27,7 +29,19 @@ set(PENDRA_SOURCES
   apply/compare_write.cpp
   apply/external_calls.cpp
   apply/stations.cpp
-  apply/verification.cpp)
+  apply/verification.cpp
+  vars/actions.cpp
+  vars/engine.cpp
+  vars/form_intake.cpp
+  vars/name_mapping.cpp
+  vars/section_variables.cpp
+  vars/variable_access.cpp
+  vars/variable_tables.cpp
+  fwupgrade/crc32.cpp
+  fwupgrade/firmware_list.cpp
+  fwupgrade/flash.cpp
+  fwupgrade/image_check.cpp
+  fwupgrade/upgrade_actions.cpp)
 
 add_library(pendra_objects OBJECT ${PENDRA_SOURCES})
 target_compile_features(pendra_objects PUBLIC cxx_std_20)
@@ -35,6 +49,8 @@ target_compile_options(pendra_objects PRIVATE
   -fno-exceptions -fno-rtti -fno-threadsafe-statics -fsigned-char
   -fvisibility=hidden -fvisibility-inlines-hidden -ffunction-sections -fdata-sections)
 target_include_directories(pendra_objects PRIVATE ${PROJECT_SOURCE_DIR} ${PROJECT_SOURCE_DIR}/include)
+target_compile_definitions(pendra_objects PRIVATE
+  PENDRA_FW_SERVER="${PENDRA_FW_SERVER}" PENDRA_FW_ENG_SERVER="${PENDRA_FW_ENG_SERVER}")
 target_link_libraries(pendra_objects PRIVATE pendra_options)
 set_target_properties(pendra_objects PROPERTIES POSITION_INDEPENDENT_CODE ON)
 

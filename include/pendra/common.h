@@ -267,6 +267,48 @@ PENDRA_API void add_timer(zep_timer* timer);
 PENDRA_API void tick_timers(void);
 /** @} */
 
+/**
+ * @defgroup forms Wildcard matching and form encoding
+ *
+ * The encoding is that of query strings and forms (application/x-www-form-urlencoded): "%hh" escapes, "+" for a space.
+ * @{
+ */
+
+/**
+ * Compares a text with a pattern: "?" matches any one character, "*" the whole rest, anything else itself.
+ *
+ * @param n characters to compare at the most.
+ * @return 0 on a match, else the difference of the first differing characters as signed bytes.
+ */
+PENDRA_API int32_t strnWildcardCmp(const char* text, const char* pattern, int32_t n);
+
+/** strnWildcardCmp() over 32767 characters. */
+PENDRA_API int32_t strWildcardCmp(const char* text, const char* pattern);
+
+/**
+ * Decodes a form-encoded text. Digits of an escape are not checked; one that the source's end cuts stays as it is.
+ *
+ * @param destinationSize capacity of @p destination; a result that fills it is not terminated. Below 1 the destination
+ *                        is emptied.
+ * @param sourceLength    bytes to take; below 1, up to the source's NUL.
+ * @return @p destination; null when that is null.
+ */
+PENDRA_API char* strncpy_HtmlDecode_(char* destination, const char* source, int32_t destinationSize,
+                                     int32_t sourceLength);
+
+/** strncpy_HtmlDecode_() up to the source's NUL. */
+PENDRA_API char* strncpy_HtmlDecode(char* destination, const char* source, int32_t destinationSize);
+
+/**
+ * Form-encodes a text: letters, digits, "-", "." and "_" stay, a space becomes "+", the rest "%HH".
+ *
+ * @param destinationSize capacity of @p destination; a result that fills it is not terminated, and an escape may be cut
+ *                        by it. Below 1 the destination is emptied.
+ * @return @p destination; null when that is null.
+ */
+PENDRA_API char* strncpy_HtmlEncode(char* destination, const char* source, int32_t destinationSize);
+/** @} */
+
 #ifdef __cplusplus
 }
 #endif

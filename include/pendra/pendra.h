@@ -8,7 +8,9 @@
 #include "pendra/apply.h"
 #include "pendra/auth.h"
 #include "pendra/common.h"
+#include "pendra/fwupgrade.h"
 #include "pendra/platform.h"
 #include "pendra/setupdoc.h"
+#include "pendra/vars.h"
 
 #endif

@@ -22,6 +22,7 @@
 
 #include "common/log_state.h"
 #include "setupdoc/run_state.h"
+#include "vars/form_intake.h"
 
 namespace pendra::test {
 namespace {
@@ -197,6 +198,8 @@ void resetLibrary() {
     fwupdtimer = {{0, 0}, {3, 0}};
     std::memset(string, 0, sizeof string);
     runState = {};
+    variableState = {};
+    fwXmlData = {};
     daemon_log_level = 5;
     daemon_log_file_size_k = 250;
     std::memset(daemon_log_header, 0, sizeof daemon_log_header);

@@ -1,0 +1,100 @@
+#include "vars/section_variables.h"
+
+#include "common/number.h"
+#include "common/tree_access.h"
+
+namespace pendra {
+namespace {
+
+bool isDigit(char character) {
+    return character >= '0' && character <= '9';
+}
+
+// A list index is a letter and exactly two digits ("R03"), which must be the whole of the part before the next one.
+// Returns -1 for anything else.
+int listIndex(const char* part, char letter) {
+    if (part[0] != letter || !isDigit(part[1]) || !isDigit(part[2]) || part[3] != '_') return -1;
+    return (part[1] - '0') * 10 + (part[2] - '0');
+}
+
+int32_t accessAcRule(const VariableName& name, const Request& request, ZepAccessControl& access) {
+    const int index = listIndex(name.part(3), 'R');
+    if (index < 0 || index >= access.acRuleCount || index >= ZEP_AC_RULE_MAX) return kRefused;
+    int target = index;
+    // A set of Active goes into the rule whose index the value is, 0 or 1, and not into the named one: the pages of the
+    // field set it that way round.
+    if (request.sets() && std::strcmp(name.part(4), "Active") == 0) {
+        char value[ZEPVAR_VALUE_SIZE];
+        copyText(value, request.value);
+        target = parseInt(value) == 1 ? 1 : 0;
+    }
+    // The path answer carries no wireless base: pages put their own before it.
+    const NodePath base("/acrule:%d", index + 1);
+    return accessVariable({kAcRuleVariables, &access.acRule[target], base}, name.part(4), request);
+}
+
+int32_t accessAccessControl(const VariableName& name, const Request& request, ZepAccessControl& access,
+                            const char* radioBase) {
+    const NodePath base("%s/accesscontrol", radioBase);
+    if (name.count() == 3) return accessVariable({kAccessVariables, &access, base}, name.part(3), request);
+    return name.count() == 4 ? accessAcRule(name, request, access) : static_cast<int32_t>(kRefused);
+}
+
+struct SubSection {
+    const char* prefix;
+    Section section;
+};
+
+int32_t accessSurvey(const VariableName& name, const Request& request) {
+    if (name.count() == 3) return accessVariable({kSurveyVariables, nullptr, ""}, name.part(3), request);
+    if (name.count() != 4) return kRefused;
+    const int index = listIndex(name.part(3), 'S');
+    if (index < 0 || readNodeInt("/wirelesssitesurvey/site#") < index + 1) return kRefused;
+    // Two above the index: the first element is the survey's own summary line.
+    const NodePath base("/wirelesssitesurvey/site:%d", index + 2);
+    return accessVariable({kSurveySiteVariables, nullptr, base}, name.part(4), request);
+}
+
+} // namespace
+
+int32_t accessVersion(const VariableName& name, const Request& request) {
+    if (name.count() != 2) return kRefused;
+    return accessVariable({kVersionVariables, &zepXmlData.specVersion, "/specversion"}, name.part(2), request);
+}
+
+int32_t accessUpLink(const VariableName& name, const Request& request) {
+    ZepUpLink& upLink = zepXmlData.device.upLink;
+    if (request.sets() && upLink.Configurable == 0) return kNotConfigurable;
+    const SubSection subSections[] = {
+        {"Ets", {kExtenderVariables, &upLink.extenderSite, "/uplink/extendersite"}},
+        {"Dsl", {kIspVariables, &upLink.dsl, "/uplink/dsl"}},
+        {"Apn", {kIspVariables, &upLink.apn, "/uplink/asp"}}, // spelt so: pages know this path
+    };
+    for (const SubSection& sub : subSections)
+        if (name.count() == 3 && name.begins(2, sub.prefix)) return accessVariable(sub.section, name.part(3), request);
+    return accessVariable({kUpLinkVariables, &upLink, "/uplink"}, name.part(2), request);
+}
+
+int32_t accessWireless(const VariableName& name, const Request& request) {
+    const int index = name.begins(1, "Wl2") ? 0 : 1;
+    ZepWireless& radio = zepXmlData.device.wireless[index];
+    if (request.sets() && radio.Configurable == 0) return kNotConfigurable;
+    const NodePath base("/lan/wireless%s:1", WirelessTypeArray[index]);
+    if (name.count() > 2 && name.begins(2, "Acl")) return accessAccessControl(name, request, radio.accessControl, base);
+    return accessVariable({kWirelessVariables, &radio, base}, name.part(2), request);
+}
+
+int32_t accessSafety(const VariableName& name, const Request& request) {
+    return accessVariable({kSafetyVariables, &zepXmlData.device.safetyWdn, "/safetywdn"}, name.part(2), request);
+}
+
+int32_t accessInformation(const VariableName& name, const Request& request) {
+    if (!request.gets()) return kRefused;
+    if (name.begins(2, "Fwu"))
+        return name.count() == 3
+                   ? accessVariable({kFirmwareVariables, nullptr, "/fwupgradeinfo"}, name.part(3), request)
+                   : static_cast<int32_t>(kRefused);
+    return name.begins(2, "Ssv") ? accessSurvey(name, request) : static_cast<int32_t>(kRefused);
+}
+
+} // namespace pendra
