@@ -4,6 +4,7 @@
  */
 #include <CLI/CLI.hpp>
 #include <cstdio>
+#include <exception>
 #include <functional>
 
 #include "client/commands.h"
@@ -21,7 +22,7 @@ constexpr const char* kFooter =
     "  3  not admitted: wrong password\n"
     "  4  the device cannot be reached\n"
     "  5  the device answered unexpectedly\n"
-    "  6  a file on this machine cannot be read\n";
+    "  6  a file on this machine cannot be read, or it is out of memory\n";
 
 struct Options {
     std::string device = "http://127.0.0.1:8480";
@@ -92,19 +93,31 @@ ExitCode runCommand(const CommandLine& line) {
     return line.command(device);
 }
 
-} // namespace
-
-int main(int argc, char** argv) {
+int runProgram(int argc, const char* const* argv) {
     CommandLine line;
     addGlobalOptions(line);
     addCommands(line);
     try {
         line.app.parse(argc, argv);
-        return runCommand(line);
     } catch (const CLI::ParseError& error) {
         return line.app.exit(error) == 0 ? kDone : kUsage;
+    }
+    return runCommand(line);
+}
+
+int end(int status, const char* line) {
+    std::fprintf(stderr, "zepctl: %s\n", line);
+    return status;
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    try {
+        return runProgram(argc, argv);
     } catch (const Failure& failure) {
-        std::fprintf(stderr, "zepctl: %s\n", failure.what());
-        return failure.code();
+        return end(failure.code(), failure.what());
+    } catch (const std::exception& fault) { // this machine is out of memory, for example
+        return end(kUnreadable, fault.what());
     }
 }
