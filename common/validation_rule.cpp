@@ -34,9 +34,10 @@ class Rule {
     }
     float real(int index, float whenAbsent) const { return index < count_ ? toReal(fields_[index]) : whenAbsent; }
 
-    // Single precision, as the limits are stored; a text that is no number reads as 0, "nan" too.
+    // Read as a real number and narrowed to single precision, as the limits are stored; a text that is no number reads
+    // as 0, "nan" too.
     static float toReal(const char* text) {
-        const float value = std::strtof(text, nullptr);
+        const auto value = static_cast<float>(std::strtod(text, nullptr));
         return std::isnan(value) ? 0.0F : value;
     }
 

@@ -99,7 +99,7 @@ int32_t is_Valid_WepKey(const char* text, uint32_t length) {
     if (text == nullptr) return 0;
     const size_t given = std::strlen(text);
     if (given == length) return 1;
-    return given == size_t{2} * length && isUpperHex(text) ? 1 : 0;
+    return given == uint64_t{2} * length && isUpperHex(text) ? 1 : 0;
 }
 
 } // extern "C"
