@@ -209,6 +209,15 @@ class VerificationTest : public RecordTest {
     }
 };
 
+// What applying a switch does with it: equal or left alone, written, refused, or the end of the radios.
+enum SwitchOutcome { kSame, kWritten, kRefused, kStopped };
+
+struct SwitchCase {
+    const char* stored; // null: absent
+    int32_t value;
+    SwitchOutcome outcome;
+};
+
 // Applying the record: the expectations hold everything that leaves the library, in order.
 class ApplicationTest : public RecordTest {
   protected:
@@ -219,6 +228,31 @@ class ApplicationTest : public RecordTest {
         EXPECT_EQ(1, Apply_ZepXmlToDevice());
         EXPECT_EQ(changes, device().events);
         EXPECT_EQ(flags + " save", raisedFlags());
+    }
+
+    static void store(const std::string& path, const char* text) {
+        device().tree.erase(path);
+        if (text != nullptr) device().tree[path] = text;
+    }
+
+    template <size_t Count>
+    void expectSwitch(const SwitchCase (&cases)[Count], int32_t& field, const std::string& node,
+                      const std::string& message, const std::string& flag) {
+        for (const SwitchCase& row : cases) {
+            SCOPED_TRACE(describe(row));
+            store(node, row.stored);
+            field = row.value;
+            if (row.outcome == kSame)
+                expectNothing();
+            else if (row.outcome == kRefused)
+                expectRefusal(message);
+            else
+                expectWrites({"set " + node + "=" + std::to_string(row.value)}, flag);
+        }
+    }
+
+    static std::string describe(const SwitchCase& row) {
+        return std::to_string(row.value) + " over " + (row.stored == nullptr ? "none" : row.stored);
     }
 
     void expectNothing() {
