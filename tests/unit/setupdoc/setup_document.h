@@ -173,10 +173,11 @@ inline void PrintTo(const LostKey& lost, std::ostream* out) {
 class ScannerTest : public DeviceTest {
   protected:
     ScannerTest() {
-        lost().clear();
+        forgetLostKeys();
         XmlErrMsg_LostKey = record;
     }
     static const std::vector<LostKey>& lostKeys() { return lost(); }
+    static void forgetLostKeys() { lost().clear(); }
 
   private:
     static std::vector<LostKey>& lost() {
