@@ -68,8 +68,8 @@ void run(const ExternalCall& call, const char* scriptDirectory) {
 }
 
 void readImagePath(char (&path)[kCommandSize]) {
-    char directory[128];
-    char name[128];
+    char directory[XNODE_TEXT_MAX];
+    char name[XNODE_TEXT_MAX];
     readNode(directory, "/bramble/tempdirecory"); // the node is spelt so
     readNode(name, "/fwupgradeinfo/fwupgradefn");
     formatText(path, "%s/%s", directory, name);
@@ -154,7 +154,7 @@ int32_t get_ExternalCall_UseSec(uint32_t syncId) {
 
 // The firmware hand-over ends the call: stations are not looked at while the image is about to be written.
 int32_t exe_ExternalCall(uint32_t syncIds) {
-    char scriptDirectory[128];
+    char scriptDirectory[XNODE_TEXT_MAX];
     readNode(scriptDirectory, "/bramble/scriptdirecory"); // the node is spelt so
     for (const ExternalCall& call : kCalls) {
         if ((syncIds & call.id) == 0) continue;
