@@ -30,7 +30,7 @@ text() {
     "$xtree" get --escaped "$1" 2>/dev/null || :
 }
 
-# apply NAME... : notes the texts of nodes below $base.
+# apply NAME... : notes the texts of nodes below $base; "" for an absent one.
 apply() {
     for name; do
         note "$name=\"$(text "$base/$name")\""

@@ -67,11 +67,11 @@ void createKernelFiles() {
 
 } // namespace pendra::device
 
-extern "C" FILE* fopen(const char* path, const char* mode) {
+extern "C" FILE* fopen(const char* filename, const char* modes) {
     using namespace pendra::device;
     static const auto next = nextSymbol<FILE*(const char*, const char*)>("fopen");
-    const KernelFile* kernelFile = isDeviceOpen() ? findKernelFile(path) : nullptr;
-    if (!kernelFile) return next(path, mode);
+    const KernelFile* kernelFile = isDeviceOpen() ? findKernelFile(filename) : nullptr;
+    if (!kernelFile) return next(filename, modes);
     const std::string file = deviceFile(kernelFile->name);
-    return next(file.c_str(), kernelFile->isConsole ? consoleMode(file) : mode);
+    return next(file.c_str(), kernelFile->isConsole ? consoleMode(file) : modes);
 }

@@ -44,13 +44,13 @@ int answerMacTable(const iwreq& request) {
 } // namespace
 } // namespace pendra::device
 
-extern "C" int ioctl(int descriptor, unsigned long request, ...) noexcept {
+extern "C" int ioctl(int fd, unsigned long request, ...) noexcept {
     using namespace pendra::device;
     static const auto next = nextSymbol<int(int, unsigned long, ...)>("ioctl");
     va_list arguments;
     va_start(arguments, request);
     void* argument = va_arg(arguments, void*);
     va_end(arguments);
-    if (request != getMacTable || !isDeviceOpen()) return next(descriptor, request, argument);
+    if (request != getMacTable || !isDeviceOpen()) return next(fd, request, argument);
     return answerMacTable(*static_cast<const iwreq*>(argument));
 }

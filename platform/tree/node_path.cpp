@@ -31,7 +31,8 @@ std::string_view throughComponent(std::string_view path, std::size_t offset) {
 
 std::string behindSubtree(std::string_view path) {
     std::string key(path);
-    key += '/' + 1; // '0': the byte behind the slash, and the smallest digit that can continue an element's number
+    static_assert('0' == '/' + 1);
+    key += '0'; // the byte behind the slash, and the smallest digit that can continue an element's number
     return key;
 }
 

@@ -155,7 +155,7 @@ bool parseListing(std::string_view source, Listing& listing, std::string& error)
         const std::string_view line = takeLine(source);
         if (line.empty() || line.front() == '#') continue;
         if (addLine(line, number, listing, error)) continue;
-        error = "line " + std::to_string(number) + ": " + error;
+        error.insert(0, "line " + std::to_string(number) + ": ");
         return false;
     }
     return true;

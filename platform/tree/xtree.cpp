@@ -3,6 +3,7 @@
  * xtree: looks into a configuration tree and changes it, from a shell or a script.
  */
 #include <CLI/CLI.hpp>
+#include <cstdio>
 #include <fstream>
 #include <iostream>
 #include <iterator>
@@ -222,9 +223,7 @@ int runCommand(const CLI::App& app, const Arguments& arguments) {
     return usage;
 }
 
-} // namespace
-
-int main(int argc, char** argv) {
+int runXtree(int argc, char** argv) {
     Arguments arguments;
     CLI::App app{description, "xtree"};
     app.footer(footer);
@@ -243,4 +242,15 @@ int main(int argc, char** argv) {
     const int status = runCommand(app, arguments);
     std::cout.flush();
     return std::cout ? status : complain(unusable, "cannot write the output");
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    try {
+        return runXtree(argc, argv);
+    } catch (...) { // out of memory: nothing else is thrown to here
+        static_cast<void>(std::fputs("xtree: out of memory\n", stderr));
+        return unusable;
+    }
 }

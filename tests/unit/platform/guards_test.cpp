@@ -52,9 +52,9 @@ const std::vector<std::string> splitters = {" ",
 
 std::vector<std::string> withEach(const std::string& before, const std::vector<std::string>& middles,
                                   const std::string& after) {
-    std::vector<std::string> all;
-    for (const std::string& middle : middles)
-        all.push_back(before + middle + after);
+    std::vector<std::string> all = middles;
+    for (std::string& text : all)
+        text.insert(0, before).append(after);
     return all;
 }
 

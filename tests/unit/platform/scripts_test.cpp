@@ -140,11 +140,12 @@ TEST_F(DeviceScripts, WirelessTool_TakesTheStationOff) {
 TEST(DeviceTrees, Listings_LoadAndReadBack) {
     const Scratch scratch;
     for (const std::string name : {"router", "router-1.0"}) {
-        const std::string tool = PENDRA_XTREE " -f " + scratch.file(name);
-        const std::string listing = PENDRA_DEVICE_SOURCES "/" + name + ".tree";
-        const Ran loaded = run(scratch, tool + " load " + listing);
-        EXPECT_EQ(loaded.status, 0) << loaded.errors;
-        EXPECT_EQ(run(scratch, tool + " diff " + listing).status, 0);
+        const std::string environment = "PENDRA_TREE=" + scratch.file(name) + " LISTING=" PENDRA_DEVICE_SOURCES "/";
+        const Ran ran =
+            run(scratch,
+                environment + name + ".tree sh -c '" PENDRA_XTREE " load $LISTING && " PENDRA_XTREE " diff $LISTING'");
+        EXPECT_EQ(ran.status, 0);
+        EXPECT_EQ(ran.output + ran.errors, "");
     }
 }
 
