@@ -90,10 +90,10 @@ int32_t accessSafety(const VariableName& name, const Request& request) {
 
 int32_t accessInformation(const VariableName& name, const Request& request) {
     if (!request.gets()) return kRefused;
-    if (name.begins(2, "Fwu"))
-        return name.count() == 3
-                   ? accessVariable({kFirmwareVariables, nullptr, "/fwupgradeinfo"}, name.part(3), request)
-                   : static_cast<int32_t>(kRefused);
+    if (name.begins(2, "Fwu")) {
+        if (name.count() != 3) return kRefused;
+        return accessVariable({kFirmwareVariables, nullptr, "/fwupgradeinfo"}, name.part(3), request);
+    }
     return name.begins(2, "Ssv") ? accessSurvey(name, request) : static_cast<int32_t>(kRefused);
 }
 
