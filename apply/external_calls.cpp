@@ -75,12 +75,14 @@ void readImagePath(char (&path)[kCommandSize]) {
     formatText(path, "%s/%s", directory, name);
 }
 
-// Whatever can be examined is handed over: what an image is, the platform decides.
+// Without a file name the path is a directory, which is no image.
 bool isImageThere(const char* path) {
     struct stat status = {};
-    if (stat(path, &status) == 0) return true;
-    std::perror("stat");
-    return false;
+    if (stat(path, &status) != 0) {
+        std::perror("stat");
+        return false;
+    }
+    return !S_ISDIR(status.st_mode);
 }
 
 void armHandOver() {

@@ -1,5 +1,6 @@
 // Handing a downloaded image to the platform.
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <csignal>
 #include <cstring>
@@ -108,11 +109,13 @@ TEST_F(FirmwareHandOver, RefusedImage_IsRemoved) {
     }
 }
 
-// What can be examined is handed over: whether it is an image is for the platform to decide.
-TEST_F(FirmwareHandOver, AnythingThatCanBeExamined_IsHandedOver) {
+// Without a file name the path is the directory itself, and a directory is no image.
+TEST_F(FirmwareHandOver, UnsetFileName_IsRefusedAndTheDirectoryStays) {
     device().tree.erase("/fwupgradeinfo/fwupgradefn");
-    EXPECT_EQ("", run(128, 0));
-    EXPECT_EQ(handOver, device().events);
+    device().runShell = true;
+    run(128, -1);
+    EXPECT_EQ(Events{"run rm " + directory() + "/"}, device().events);
+    EXPECT_EQ(0, access(directory().c_str(), F_OK));
 }
 
 TEST_F(FirmwareHandOver, AbsentDirectory_IsTheRoot) {
