@@ -127,6 +127,14 @@ TEST_F(CloningApplication, AccessControlSwitchedOn_WritesItsRules) {
         "wlan2.4");
 }
 
+TEST_F(CloningApplication, AccessControlThatIsOn_HasItsRulesWrittenToo) {
+    const std::string base = "set /lan/wireless2.4:1/accesscontrol/";
+    device().tree["/lan/wireless2.4:1/accesscontrol/wlacenbl"] = "1";
+    radio.accessControl.WlAcEnbl = 1;
+    fillRules(radio.accessControl, 1);
+    expectWrites({base + "wlacmode=0", base + "acrule:1/active=1", base + "acrule:1/mac=02:00:00:00:00:01"}, "wlan2.4");
+}
+
 TEST_F(CloningApplication, FixedAccessControl_HasItsChannelWrittenOnly) {
     device().tree["/lan/wireless2.4:1/accesscontrol/wlacenbl"] = "2";
     setText(radio.Channel, "6");

@@ -237,6 +237,18 @@ TEST_F(SetupRun, Survey_ExcludesEverythingElse) {
     EXPECT_EQ(0, zepXmlData.exeflag);
 }
 
+// The record keeps what neither the document nor the refresh from the tree gives: with the uplink left alone, the
+// survey of the document before is asked for again.
+TEST_F(SetupRun, SurveyOfAnEarlierDocument_IsKept) {
+    device().tree["/uplink/hardwaretype"] = "WWan802.11";
+    const std::string survey = withHardware("WWan802.11", changed(kSiteElement, "<Survey>0<", "<Survey>1<"));
+    EXPECT_EQ(1, run(survey));
+    device().tree["/uplink/extendersite/survey"] = "0";
+    EXPECT_EQ(1, run(changed(changed(survey, "<UpLinkConnection>", "<UpLinkConnection><Configurable>0</Configurable>"),
+                             ">Router<", ">Attic<")));
+    expectEvents({"set /uplink/extendersite/survey=1"}, 0, "", 3);
+}
+
 TEST_F(SetupRun, FortyOneRules_LeaveForty) {
     std::string rules = "<WlAcEnbl>1</WlAcEnbl><WlAcMode>0</WlAcMode>";
     Events writes = {"set /lan/wireless2.4:1/accesscontrol/wlacenbl=1",
