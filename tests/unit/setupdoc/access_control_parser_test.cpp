@@ -9,7 +9,7 @@ namespace {
 constexpr const char* kPath = "Device/Wireless5/AccessControl";
 
 std::string macOf(int number) {
-    char mac[18];
+    char mac[32];
     snprintf(mac, sizeof mac, "00:11:22:33:44:%02x", static_cast<unsigned>(number));
     return mac;
 }
