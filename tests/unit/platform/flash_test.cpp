@@ -122,6 +122,7 @@ TEST_F(DeviceFlash, ProcessKilledWhileWriting_LeavesOneOfBothFirmwares) {
     const std::string large(8 << 20, 'L');
     store(scratch.file("next.bin"), large);
     for (unsigned delay = 0; delay < 30; ++delay) {
+        store(firmware(), "the firmware before");
         const Signpost started;
         Child writer([&] {
             started.raise();
