@@ -62,6 +62,14 @@ TEST_F(ChannelWatch, AutomaticChannelThatMoves_IsAChangeEachTime) {
     EXPECT_EQ(0, look("0", "11"));
 }
 
+TEST_F(ChannelWatch, LowestChannel_CountsAsAnyOther) {
+    EXPECT_EQ(0, look("1", "6")); // configured
+    EXPECT_EQ(1, look("0", "6"));
+    EXPECT_EQ(1, look("0", "1")); // in use
+    EXPECT_EQ(0, look("1", "1"));
+    EXPECT_EQ(0, look("0", "1"));
+}
+
 TEST_F(ChannelWatch, RadioWithoutChannels_IsLeftAlone) {
     look("0", "6");
     for (const auto& [configured, inUse] : std::vector<std::pair<const char*, const char*>>{

@@ -248,6 +248,7 @@ TEST_F(DocumentRun, NullDocument_GivesZeroAndLeavesNoTrace) {
     EXPECT_EQ(0, do_ZepXml_Parser(nullptr));
     EXPECT_EQ(0, do_ZepXml_Parser_for_ApCloning(nullptr));
     EXPECT_EQ(0, do_ZepXml_Parser_(nullptr));
+    EXPECT_EQ("", logText());
     EXPECT_EQ(Events{}, device().events);
     EXPECT_EQ(Lines{}, device().reads);
 }
