@@ -23,11 +23,18 @@ size_t collect(char* data, size_t size, size_t count, void* target) {
     return length;
 }
 
-ExitCode exitCodeOf(CURLcode fault) {
+bool isConnected(CURL* handle) {
+    long connections = 0;
+    curl_easy_getinfo(handle, CURLINFO_NUM_CONNECTS, &connections);
+    return connections > 0;
+}
+
+ExitCode exitCodeOf(CURLcode fault, CURL* handle) {
     switch (fault) {
         case CURLE_URL_MALFORMAT:
-        case CURLE_UNSUPPORTED_PROTOCOL:
             return kUsage;
+        case CURLE_UNSUPPORTED_PROTOCOL: // of the address, or of a peer that does not speak HTTP
+            return isConnected(handle) ? kUnexpected : kUsage;
         case CURLE_WRITE_ERROR:
         case CURLE_WEIRD_SERVER_REPLY:
         case CURLE_PARTIAL_FILE:
@@ -65,7 +72,8 @@ HttpReply HttpClient::perform() {
     curl_easy_setopt(handle_.get(), CURLOPT_WRITEDATA, &reply.body);
     const CURLcode fault = curl_easy_perform(handle_.get());
     if (fault != CURLE_OK) {
-        throw Failure(exitCodeOf(fault), "No answer from " + baseUrl_ + ": " + curl_easy_strerror(fault) + ".");
+        throw Failure(exitCodeOf(fault, handle_.get()),
+                      "No answer from " + baseUrl_ + ": " + curl_easy_strerror(fault) + ".");
     }
     curl_easy_getinfo(handle_.get(), CURLINFO_RESPONSE_CODE, &reply.status);
     return reply;
