@@ -214,8 +214,13 @@ TEST_P(RefusedValue, Applied_EndsTheRunAndKeepsWhatWasWritten) {
     EXPECT_EQ(files.journal(), "");
 }
 
-INSTANTIATE_TEST_SUITE_P(Nodes, RefusedValue, testing::ValuesIn(kRefused),
-                         [](const auto& row) { return "Row" + std::to_string(row.index); });
+/** "WlEnblFrom3To1" */
+std::string nameOfRow(const testing::TestParamInfo<Refusal>& row) {
+    const std::string element = row.param.element;
+    return element.substr(element.rfind('/') + 1) + "From" + row.param.stored + "To" + row.param.value;
+}
+
+INSTANTIATE_TEST_SUITE_P(Nodes, RefusedValue, testing::ValuesIn(kRefused), nameOfRow);
 
 } // namespace
 } // namespace pendra::test
