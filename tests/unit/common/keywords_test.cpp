@@ -167,6 +167,14 @@ TEST_F(DeviceKeywords, SmallerBufferInsideTheLibrary_BoundsTheCopyBack) {
     }
 }
 
+TEST_F(DeviceKeywords, LargerBufferInsideTheLibrary_IsCutAt255AllTheSame) {
+    const std::string whole = repeat('t', 240) + repeat('8', 63);
+    device().tree["/bramble/zephttpport"] = repeat('8', 63);
+    GuardedBuffer buffer(1024, repeat('t', 240) + "$zepport");
+    pendra::changeZepKeywordsBounded(buffer.data(), 1024);
+    EXPECT_EQ(whole.substr(0, 255), buffer.text());
+}
+
 TEST_F(DeviceKeywords, BoundedReplacement_IsCutInTheMiddleOfAReplacement) {
     GuardedBuffer buffer(6);
     pendra::changeKeywordBounded(buffer.data(), 6, "a$kb$k", "$k", "123");
