@@ -122,10 +122,11 @@ TEST_F(ResultDocument, MessageOfTheRecordItself_IsTolerated) {
     EXPECT_EQ(commandsOf(2, "Device/DeviceName", 0, "/t/zepset_result.xml"), device().commands());
 }
 
-TEST_F(ResultDocument, NullMessage_CrashesNothing) {
+TEST_F(ResultDocument, NullMessage_CountsAsEmpty) {
     write_ZepXml_ResultXml(3, nullptr, 0);
     EXPECT_EQ(3, zepXmlData.setResult);
     EXPECT_STREQ("", zepXmlData.setMsg);
+    EXPECT_EQ(commandsOf(3, "", 0, "/zepset_result.xml"), device().commands());
 }
 
 // ---- Log ----
