@@ -75,10 +75,12 @@ TEST_F(PartitionTable, LinesOfFewerWords_MatchNothingAndStopNothing) {
     EXPECT_EQ(0x40000, getMTDPartSize("\"a\""));
 }
 
-// A line's four words are its own: a short line does not take the name of the line before it.
-TEST_F(PartitionTable, ShortLineBehindAMatchOfAnotherName_StaysWithoutAName) {
-    table("mtd0: 00020000 00010000 \"a\"\nmtd1: 00030000 00010000\n");
-    EXPECT_EQ(0, getMTDPartSize("\"b\""));
+// A line's four words are its own: a short line does not take the name of a line that was read earlier.
+TEST_F(PartitionTable, ShortLineAfterAMatch_StaysWithoutAName) {
+    table("mtd0: 00020000 00010000 \"a\"\n");
+    EXPECT_EQ(0x20000, getMTDPartSize("\"a\""));
+    table("mtd1: 00030000 00010000\n");
+    EXPECT_EQ(0, getMTDPartSize("\"a\""));
 }
 
 TEST_F(PartitionTable, LastLineWithoutALineEnd_Counts) {

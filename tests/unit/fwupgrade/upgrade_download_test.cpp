@@ -156,6 +156,12 @@ TEST_F(DownloadPoll, FirstGrepBeforeTheFirstDownload_IsTheEnd) {
         EXPECT_EQ(status, statusAfter(processes)) << processes;
 }
 
+TEST_F(DownloadPoll, LongestKey_IsSearchedWhole) {
+    std::strcpy(fwXmlData.downloadKey, "get http://fw.p");
+    EXPECT_EQ(3, statusAfter("root 11 0.0 grep get http://fw.x"));
+    EXPECT_EQ(4, statusAfter("root 11 0.0 grep get http://fw.p"));
+}
+
 TEST_F(DownloadPoll, EndedDownload_IsReportedAtOnce) {
     storeImage(2048);
     writeFile(path("zepfwtmp.txt"), kGrep);
