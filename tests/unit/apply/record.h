@@ -141,7 +141,7 @@ inline Events resultDocument(int code, const std::string& message, int waitSecon
             "run echo '</root>' >> " + file};
 }
 
-// The names of the restart flags that are set, in the order of the record.
+// The names of the restart flags that are set, in the order of the record. A set flag is 1.
 inline std::string raisedFlags() {
     const ZepDevice& device = recordDevice();
     const struct {
@@ -152,8 +152,11 @@ inline std::string raisedFlags() {
                  {"safety", device.safetyWdn.restart}, {"survey", device.wlanSurveyRestart},
                  {"roaming", device.roamingRestart},   {"save", zepXmlData.saveflag}};
     std::string names;
-    for (const auto& flag : flags)
-        if (flag.value != 0) names += (names.empty() ? "" : " ") + std::string(flag.name);
+    for (const auto& flag : flags) {
+        if (flag.value == 0) continue;
+        names += (names.empty() ? "" : " ") + std::string(flag.name);
+        if (flag.value != 1) names += "=" + std::to_string(flag.value);
+    }
     return names;
 }
 

@@ -178,6 +178,18 @@ TEST_F(StationUpdate, WithoutSocket_EndsBehindTheDeletion) {
     EXPECT_EQ("1000: 1000:ioctl sock failed!\n", logText());
 }
 
+// Where standard input is closed, the socket may be descriptor 0.
+TEST_F(StationUpdate, DescriptorZero_IsASocketToo) {
+    const int standardInput = dup(STDIN_FILENO);
+    close(STDIN_FILENO);
+    do_updatestarssi();
+    EXPECT_EQ(bothAsked, device().ioctls);
+    EXPECT_EQ("", logText());
+    EXPECT_NE(0, close(STDIN_FILENO)) << "the socket stayed open";
+    dup2(standardInput, STDIN_FILENO);
+    close(standardInput);
+}
+
 TEST_F(StationUpdate, FirstDriverMissing_SkipsTheSecond) {
     device().stations.erase("ra0");
     device().stations["rai0"] = {station(1)};
