@@ -184,7 +184,7 @@ int32_t validate_ZepVar(const char* name, char* value) {
 }
 
 int32_t validate_ZepVar2(char* pair) {
-    char* equals = pair == nullptr ? nullptr : std::strchr(pair, '=');
+    const char* equals = pair == nullptr ? nullptr : std::strchr(pair, '=');
     if (equals == nullptr) {
         tracePrefix("validate_ZepVar2");
         PENDRA_LOG(kLogTrace, "Invalid data='%s'\n", pair == nullptr ? "" : pair);
@@ -193,7 +193,11 @@ int32_t validate_ZepVar2(char* pair) {
     if (static_cast<size_t>(equals - pair) >= kNameSize) return kMalformed;
     char name[kNameSize];
     copyPart(name, pair, equals);
-    return validate_ZepVar(name, equals + 1);
+    // A pair need not have the room of a value buffer, and an action answers into it. One byte more keeps a value that
+    // is too long from fitting.
+    char value[ZEPVAR_VALUE_SIZE + 1];
+    copyText(value, equals + 1);
+    return validate_ZepVar(name, value);
 }
 
 int32_t do_ZepVar_Parser(const char* text, char separator, char* errorText, int32_t apply) {
