@@ -15,8 +15,7 @@ namespace {
 // What a caller handed in, read within its 128 bytes.
 struct GivenValue {
     explicit GivenValue(const char* value) : fits(strnlen(value, ZEPVAR_VALUE_SIZE) < ZEPVAR_VALUE_SIZE) {
-        copyText(text, fits ? value : "");
-        if (!fits) copyTextBounded(text, sizeof text, value);
+        copyText(text, value);
         number = parseInt(text);
     }
     char text[ZEPVAR_VALUE_SIZE];
@@ -110,8 +109,7 @@ int32_t checkKind(const Section& section, const Variable& variable, GivenValue& 
 int32_t checkValue(const Section& section, const Variable& variable, GivenValue& given) {
     const int32_t code = checkKind(section, variable, given);
     if (code != kDone || variable.kind == Kind::number) return code;
-    if (!given.fits) return variable.kind == Kind::name ? kNotInTable : kRefused;
-    return refuseUnless(std::strlen(given.text) < variable.capacity);
+    return refuseUnless(given.fits && std::strlen(given.text) < variable.capacity);
 }
 
 // ---- storing and reading ----
