@@ -7,6 +7,7 @@
 #include <cstdio>
 #include <filesystem>
 
+#include "pendra/fwupgrade.h"
 #include "platform/file_access.h"
 #include "platform/vendor/flash_layout.h"
 
@@ -14,6 +15,7 @@ namespace pendra::device {
 namespace {
 
 constexpr off_t imageHeaderSize = 64;
+constexpr std::size_t messageSize = 256; // of the image check
 constexpr mode_t ownerOnly = 0600;
 
 bool failed(const std::string& what, std::string& error) {
@@ -44,6 +46,14 @@ bool syncDirectory(const std::string& directory) {
     return opened.isOpen() && ::fsync(opened.number()) == 0;
 }
 
+bool isWhole(const std::string& image, off_t size, std::string& error) {
+    char message[messageSize] = "";
+    if (check(image.c_str(), 0, static_cast<int32_t>(size), message) == 1) return true;
+    error = message;
+    error.erase(error.find_last_not_of('\n') + 1);
+    return false;
+}
+
 } // namespace
 
 bool isImageAcceptable(const std::string& image, std::string& error) {
@@ -51,8 +61,9 @@ bool isImageAcceptable(const std::string& image, std::string& error) {
     if (::stat(image.c_str(), &status) != 0) return failed("cannot read " + image, error);
     const bool fits = S_ISREG(status.st_mode) && status.st_size >= imageHeaderSize &&
                       status.st_size <= static_cast<off_t>(firmwarePartition.size);
-    if (!fits) error = image + " is no image of 64 to " + std::to_string(firmwarePartition.size) + " bytes";
-    return fits;
+    if (fits) return isWhole(image, status.st_size, error);
+    error = image + " is no image of 64 to " + std::to_string(firmwarePartition.size) + " bytes";
+    return false;
 }
 
 bool writeFlash(const std::string& image, const std::string& flashFile, std::string& error) {
@@ -61,7 +72,8 @@ bool writeFlash(const std::string& image, const std::string& flashFile, std::str
     std::filesystem::create_directories(directory, failure);
 
     const std::string copy = flashFile + ".new";
-    if (!writeCopy(image, copy, error)) {
+    // The copy counts: an image that somebody replaced after its check must not get into the flash.
+    if (!writeCopy(image, copy, error) || !isImageAcceptable(copy, error)) {
         ::unlink(copy.c_str());
         return false;
     }
