@@ -1,13 +1,61 @@
 #include "platform/kernel/shell.h"
 
+#include <spawn.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
+#include <cerrno>
+#include <csignal>
 #include <cstdlib>
 
 #include "platform/device_state.h"
 #include "platform/kernel/next_symbol.h"
 
 namespace pendra::device {
+namespace {
+
+/** A command's attributes: every signal can reach it, as if it had been started from a terminal. */
+class CleanSignals {
+  public:
+    CleanSignals() {
+        sigset_t none;
+        sigset_t all;
+        sigemptyset(&none);
+        sigfillset(&all);
+        posix_spawnattr_init(&attributes_);
+        posix_spawnattr_setsigmask(&attributes_, &none);
+        posix_spawnattr_setsigdefault(&attributes_, &all);
+        posix_spawnattr_setflags(&attributes_, POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF);
+    }
+    CleanSignals(const CleanSignals&) = delete;
+    CleanSignals& operator=(const CleanSignals&) = delete;
+    ~CleanSignals() { posix_spawnattr_destroy(&attributes_); }
+    [[nodiscard]] const posix_spawnattr_t* attributes() const { return &attributes_; }
+
+  private:
+    posix_spawnattr_t attributes_;
+};
+
+} // namespace
+
+int runCommand(const std::string& command) {
+    std::string shell = "sh";
+    std::string option = "-c";
+    std::string text = command;
+    char* arguments[] = {shell.data(), option.data(), text.data(), nullptr};
+    const CleanSignals signals;
+    pid_t child = 0;
+    const int fault = ::posix_spawn(&child, "/bin/sh", nullptr, signals.attributes(), arguments, environ);
+    if (fault != 0) {
+        errno = fault;
+        return -1;
+    }
+    int status = 0;
+    pid_t ended = 0;
+    while ((ended = ::waitpid(child, &status, 0)) < 0 && errno == EINTR)
+        continue;
+    return ended == child ? status : -1;
+}
 
 std::string shellQuoted(std::string_view text) {
     std::string quoted = "'";
@@ -29,5 +77,5 @@ std::string deviceCommand(std::string_view command) {
 extern "C" int system(const char* command) {
     using namespace pendra::device;
     static const auto next = nextSymbol<int(const char*)>("system");
-    return command && isDeviceOpen() ? next(deviceCommand(command).c_str()) : next(command);
+    return command && isDeviceOpen() ? runCommand(deviceCommand(command)) : next(command);
 }

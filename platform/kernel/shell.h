@@ -19,6 +19,14 @@ namespace pendra::device {
  */
 [[nodiscard]] std::string deviceCommand(std::string_view command);
 
+/**
+ * Runs a command and waits for its end, as system(3) does, but without the signals that this process blocks: a fetch
+ * needs SIGALRM for its timeouts, and whoever is left in the background must hear SIGTERM.
+ *
+ * @return the wait status, or -1 with errno.
+ */
+int runCommand(const std::string& command);
+
 } // namespace pendra::device
 
 #endif

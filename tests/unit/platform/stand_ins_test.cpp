@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <csignal>
 #include <filesystem>
 
 #include "platform/device.h"
@@ -191,6 +192,23 @@ TEST_F(LibraryStandIns, WirelessTool_IsTheDevicesOwn) {
     ASSERT_EQ(chmod(tool.c_str(), 0700), 0);
     EXPECT_EQ(shell("/userfs/bin/iwpriv ra0 set DisConnectSta=02:11:22:33:44:55"), 7);
     EXPECT_EQ(content(directory + "/called"), "ra0 set DisConnectSta=02:11:22:33:44:55\n");
+}
+
+TEST_F(LibraryStandIns, Command_HearsTheSignalsThatTheHostBlocks) {
+    sigset_t blocked;
+    sigset_t before;
+    sigemptyset(&blocked);
+    sigaddset(&blocked, SIGALRM);
+    sigaddset(&blocked, SIGTERM);
+    sigprocmask(SIG_BLOCK, &blocked, &before);
+    EXPECT_EQ(shell("grep SigBlk /proc/self/status >" + scratch.file("out")), 0);
+    sigprocmask(SIG_SETMASK, &before, nullptr);
+    EXPECT_EQ(content(scratch.file("out")), "SigBlk:\t0000000000000000\n");
+}
+
+TEST_F(LibraryStandIns, CommandThatASignalEnds_GivesItsWaitStatus) {
+    const int status = call<int(const char*)>("probe_shell", "kill -TERM $$");
+    EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == SIGTERM) << status;
 }
 
 TEST_F(LibraryStandIns, OtherCommands_RunAsTheyStand) {
