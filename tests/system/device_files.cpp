@@ -44,7 +44,7 @@ void writeFile(const std::string& path, const std::string& content) {
 }
 
 std::string example(const std::string& name) {
-    const std::string text = readFile(std::string(PENDRA_SOURCE) + "/examples/" + name);
+    std::string text = readFile(std::string(PENDRA_SOURCE) + "/examples/" + name);
     if (text.empty()) throw std::runtime_error("no example " + name);
     return text;
 }

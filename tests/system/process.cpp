@@ -19,6 +19,7 @@ constexpr int kCannotStart = 127;
 
 std::vector<char*> pointersTo(const std::vector<std::string>& texts) {
     std::vector<char*> pointers;
+    pointers.reserve(texts.size() + 1);
     for (const std::string& text : texts) {
         pointers.push_back(const_cast<char*>(text.c_str()));
     }
@@ -86,8 +87,10 @@ Process::Process(const Launch& launch)
     : input_(launch.input), id_(start(launch, input_.descriptor(), output_.descriptor(), errors_.descriptor())) {}
 
 Process::~Process() {
-    if (!status_) signal(SIGKILL);
-    wait(std::chrono::seconds(10));
+    if (status_) return;
+    ::kill(-id_, SIGKILL);
+    signal(SIGKILL); // when it has no group yet
+    ::waitpid(id_, nullptr, 0);
 }
 
 void Process::signal(int number) const {
