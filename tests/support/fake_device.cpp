@@ -122,6 +122,7 @@ void fillTable(const std::string& interfaceName, unsigned char* table) {
     std::memcpy(table, &count, sizeof count);
     unsigned char* entry = table + 4;
     for (const Station& station : stations) {
+        std::memset(entry, 0x7F, entrySize(interfaceName)); // what the library must not read
         std::memcpy(entry + 1, station.mac, sizeof station.mac);
         std::memcpy(entry + 10, station.rssi, sizeof station.rssi);
         entry += entrySize(interfaceName);

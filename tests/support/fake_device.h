@@ -2,7 +2,7 @@
 // and signals. Everything that leaves the library is recorded in order, texts to the letter.
 //
 // Linked into a test program, its functions take the place of those of the platform and of libc (system, sysinfo,
-// socket, ioctl, signal, alarm, setitimer, and fopen and stat of redirected files).
+// socket, ioctl, signal, alarm, setitimer, and fopen of redirected files).
 #pragma once
 
 #include <gtest/gtest.h>
@@ -44,14 +44,13 @@ struct FakeDevice {
     std::vector<std::string> consoleCalls; // one entry for each opening
     bool consoleMissing = false;
 
-    // Files that are opened and examined elsewhere: real path by the path that the library uses.
+    // Files that are opened elsewhere: real path by the path that the library uses.
     std::map<std::string, std::string> redirectedFiles;
 
     // The wireless drivers, by interface name. An interface that is not here makes the ioctl fail.
     std::map<std::string, std::vector<Station>> stations;
     std::map<std::string, uint32_t> stationCounts; // a driver that lies about its number of entries
     bool socketFails = false;
-    int openSockets = 0;
     std::vector<std::string> ioctls; // "INTERFACE REQUEST-IN-HEX", in order
 
     // The vendor API.
