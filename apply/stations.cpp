@@ -40,14 +40,15 @@ constexpr Radio kRadios[] = {
 
 // The request record of the wireless extensions, as far as the driver's private requests use it: the kernel copies all
 // of it, so its size counts.
+struct RequestData {
+    void* pointer;
+    uint16_t length;
+    uint16_t flags;
+};
 struct WirelessRequest {
     char interfaceName[16];
     union {
-        struct {
-            void* pointer;
-            uint16_t length;
-            uint16_t flags;
-        } data;
+        RequestData data;
         unsigned char size[16];
     };
 };
