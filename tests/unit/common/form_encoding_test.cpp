@@ -1,6 +1,9 @@
 // The escaping of form values.
+#include <cstdio>
 #include <memory>
 #include <string>
+#include <tuple>
+#include <utility>
 
 #include "guarded_buffer.h"
 #include "support/fake_device.h"

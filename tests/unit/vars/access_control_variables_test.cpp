@@ -3,7 +3,6 @@
 
 using pendra::test::Answer;
 using pendra::test::call;
-using pendra::test::device;
 using pendra::test::DeviceTest;
 using pendra::test::fill;
 using pendra::test::getVariable;

@@ -10,7 +10,6 @@ using pendra::test::DeviceTest;
 using pendra::test::Events;
 using pendra::test::fill;
 using pendra::test::loadRouter;
-using pendra::test::recordBytes;
 using pendra::test::resultDocument;
 using pendra::test::upLink;
 

@@ -1,4 +1,6 @@
 // What a form leads to: verification, application, result document, log.
+#include <cstdio>
+
 #include "form.h"
 
 using pendra::test::device;
@@ -248,7 +250,7 @@ TEST_F(FormOutcome, ReceivedText_IsLoggedAsItIs) {
     daemon_log_level = 6;
     post(" a%25s%s%n = 1 \n");
     EXPECT_EQ("1000: ---- Received Zep Var Data Begin ----\n a%25s%s%n = 1 \n\n---- Received Zep Var Data End ----\n",
-              logText().substr(0, logText().find("1000: Zep")).append(""));
+              logText().substr(0, logText().find("1000: Zep")));
 }
 
 } // namespace

@@ -1,8 +1,9 @@
 // How a form is parted into names and values.
+#include <cstdio>
+
 #include "form.h"
 
 using pendra::test::device;
-using pendra::test::Events;
 using pendra::test::fill;
 using pendra::test::FormTest;
 using pendra::test::kAccepted;

@@ -1,4 +1,6 @@
 // The read-only information variables: specification version, firmware upgrade and site survey.
+#include <cstdio>
+
 #include "variables.h"
 
 using pendra::test::Answer;
@@ -8,8 +10,6 @@ using pendra::test::DeviceTest;
 using pendra::test::Events;
 using pendra::test::getVariable;
 using pendra::test::pathOf;
-using pendra::test::setVariable;
-using pendra::test::validate;
 
 namespace {
 

@@ -2,10 +2,8 @@
 #include "variables.h"
 
 using pendra::test::Answer;
-using pendra::test::call;
 using pendra::test::device;
 using pendra::test::DeviceTest;
-using pendra::test::Events;
 using pendra::test::fill;
 using pendra::test::getVariable;
 using pendra::test::pathOf;

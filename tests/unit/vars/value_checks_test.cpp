@@ -4,7 +4,6 @@
 #include "variables.h"
 
 using pendra::test::Answer;
-using pendra::test::call;
 using pendra::test::DeviceTest;
 using pendra::test::fill;
 using pendra::test::getVariable;
