@@ -1,6 +1,7 @@
 #include "host/routes.h"
 
 #include "host/documents.h"
+#include "host/firmware.h"
 #include "host/sessions.h"
 #include "host/stations.h"
 #include "pendra/auth.h"
@@ -17,6 +18,10 @@ constexpr Route kRoutes[] = {
     {"GET", "/zep/result", Admission::needed, Body::optional, getResult},
     {"GET", "/zep/stations", Admission::needed, Body::optional, getStations},
     {"POST", "/zep/stations", Admission::needed, Body::needed, postStations},
+    {"POST", "/zep/fw", Admission::needed, Body::optional, postFirmware},
+    {"GET", "/zep/checkfw", Admission::needed, Body::optional, getFirmwareStatus},
+    {"GET", "/zep/fwnotes", Admission::needed, Body::optional, getReleaseNotes},
+    {"GET", "/zep/fwstate", Admission::needed, Body::optional, getFirmwareState},
 };
 
 // A HEAD request is a GET whose answer's body stays at home.
