@@ -194,6 +194,7 @@ TEST_F(ChannelVariable, LongestList_LosesItsLastRow) {
     expectTaken("149");
     setList("1" + list + ",149");
     expectRefused("149");
+    expectRefused("14");
     expectTaken("100");
 }
 
