@@ -1,4 +1,4 @@
-// The read-only information variables: specification version, firmware upgrade and site survey.
+// The read-only information variables: spec version, firmware upgrade and site survey.
 #include <cstdio>
 
 #include "variables.h"
