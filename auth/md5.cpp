@@ -117,12 +117,14 @@ void MD5Digest(const char* text, unsigned int length, unsigned char digest[16]) 
 char* Hex2String(const unsigned char* bytes, char* output, int32_t count) {
     constexpr int32_t kShown = 16; // the text is cut after 32 digits whatever the count
     if (bytes == nullptr || output == nullptr) return nullptr;
-    char* next = output;
+    char work[2 * kShown + 1]; // bytes and output may be the same buffer
+    char* next = work;
     for (int32_t i = 0; i < count && i < kShown; i++) {
         *next++ = "0123456789abcdef"[bytes[i] >> 4];
         *next++ = "0123456789abcdef"[bytes[i] & 15];
     }
     *next = '\0';
+    std::memcpy(output, work, static_cast<size_t>(next - work) + 1);
     return output;
 }
 

@@ -216,6 +216,11 @@ TEST_F(HexText, Digits_AreLowerCaseHighNibbleFirst) {
     }
 }
 
+TEST_F(HexText, OutputInPlaceOfTheBytes_IsTheSameText) {
+    unsigned char buffer[33] = {0x01, 0x23, 0x45, 0x67, 0x89, 0xab, 0xcd, 0xef};
+    EXPECT_STREQ("0123456789abcdef0000000000000000", Hex2String(buffer, reinterpret_cast<char*>(buffer), 16));
+}
+
 TEST_F(HexText, NullArguments_GiveNull) {
     const unsigned char byte = 1;
     char hex[33] = "kept";
