@@ -58,7 +58,7 @@ void tick_timers(void) {
     for (zep_timer* timer = timer_list; timer != nullptr;) {
         zep_timer* next = timer->next;
         tick(*timer);
-        timer = next;
+        timer = isArmed(timer) ? timer->next : next; // a callback may take its own timer or others out of the list
     }
 }
 

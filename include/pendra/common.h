@@ -262,7 +262,8 @@ PENDRA_API void add_timer(zep_timer* timer);
 
 /**
  * The tick routine: counts every armed timer down by one, calls the callback of each that reaches 0 and reloads it from
- * its period. The host calls it once a second. A callback may arm timers; it must not free its own record.
+ * its period. The host calls it once a second. A callback may arm timers and take its own or others out of
+ * ::timer_list; it must not free its own record.
  */
 PENDRA_API void tick_timers(void);
 /** @} */

@@ -240,4 +240,35 @@ TEST_F(Ticking, TimerArmedByACallback_IsCountedFromTheNextTick) {
     EXPECT_EQ(1, calls);
 }
 
+TEST_F(Ticking, TimerTakenOutByACallback_IsNotCounted) {
+    int taken = 0;
+    int kept = 0;
+    const Timer last = counting(1, kept), next = counting(1, taken);
+    const auto takeNextOut = [](void*) { timer_list->next = timer_list->next->next; };
+    const Timer first(create_timer(2, takeNextOut, nullptr, nullptr, 0));
+    for (const Timer* timer : {&last, &next, &first})
+        add_timer(timer->get());
+    tick(1);
+    EXPECT_EQ(1, taken);
+    tick(1);
+    EXPECT_EQ(1, taken);
+    EXPECT_EQ(2, kept);
+}
+
+TEST_F(Ticking, TimerThatTakesItselfOut_LeavesTheOthersCounted) {
+    int calls = 0;
+    const Timer other = counting(1, calls);
+    const auto takeOut = [](void*) {
+        zep_timer* const own = timer_list;
+        timer_list = own->next;
+        own->next = nullptr;
+    };
+    const Timer once(create_timer(1, takeOut, nullptr, nullptr, 0));
+    add_timer(other.get());
+    add_timer(once.get());
+    tick(1);
+    EXPECT_EQ(1, calls);
+    EXPECT_EQ(std::vector<const zep_timer*>{other.get()}, armed());
+}
+
 } // namespace
