@@ -151,11 +151,12 @@ int32_t printList(clientAuthEntry** head) {
 
 int32_t check_PendraAuthIP(const char* ip, const char* session) {
     traceEntry("check_PendraAuthIP");
-    cur_authinfo = checkClientAuthIp(&clientauthinfo, ip, session, kByAddress);
-    if (cur_authinfo != nullptr) {
-        if (sys_uptime_seconds() < cur_authinfo->logout) {
-            cur_authinfo->logout = newLogout();
-            PENDRA_LOG(kLogTrace, "Auth Client IP, logout=%ld\n", static_cast<long>(cur_authinfo->logout));
+    clientAuthEntry* const entry = checkClientAuthIp(&clientauthinfo, ip, session, kByAddress);
+    cur_authinfo = entry; // for the host alone: it may outlive the entry, so nothing here reads it
+    if (entry != nullptr) {
+        if (sys_uptime_seconds() < entry->logout) {
+            entry->logout = newLogout();
+            PENDRA_LOG(kLogTrace, "Auth Client IP, logout=%ld\n", static_cast<long>(entry->logout));
             return 0;
         }
         clientAuthListDel(&clientauthinfo, ip, session, kByAddress);
