@@ -8,9 +8,29 @@ namespace {
 
 using nlohmann::ordered_json;
 
+struct Header {
+    const char* name;
+    const char* value;
+};
+
+// What every answer says to a browser: take nothing from elsewhere, stand in no frame, guess no types, tell nobody.
+constexpr Header kCommonHeaders[] = {
+    {MHD_HTTP_HEADER_CACHE_CONTROL, "no-store"},
+    {"Content-Security-Policy",
+     "default-src 'self'; base-uri 'none'; form-action 'self'; frame-ancestors 'none'; object-src 'none'"},
+    {"X-Content-Type-Options", "nosniff"},
+    {"X-Frame-Options", "DENY"},
+    {"Referrer-Policy", "same-origin"},
+};
+
 void addHeaders(MHD_Response* response, const Answer& answer) {
     MHD_add_response_header(response, MHD_HTTP_HEADER_CONTENT_TYPE, answer.contentType);
-    MHD_add_response_header(response, MHD_HTTP_HEADER_CACHE_CONTROL, "no-store");
+    for (const Header& header : kCommonHeaders) {
+        MHD_add_response_header(response, header.name, header.value);
+    }
+    if (!answer.location.empty()) {
+        MHD_add_response_header(response, MHD_HTTP_HEADER_LOCATION, answer.location.c_str());
+    }
     if (answer.status == MHD_HTTP_UNAUTHORIZED) {
         MHD_add_response_header(response, MHD_HTTP_HEADER_WWW_AUTHENTICATE, "PendraKey realm=\"/zep/login\"");
     }
@@ -31,6 +51,12 @@ Answer jsonAnswer(const ordered_json& value) {
 
 Answer xmlAnswer(std::string document) {
     return {.contentType = "application/xml", .body = std::move(document)};
+}
+
+Answer redirect(const std::string& location) {
+    Answer answer = textAnswer(MHD_HTTP_SEE_OTHER, "Go on at " + location);
+    answer.location = location;
+    return answer;
 }
 
 MHD_Result sendAnswer(MHD_Connection* connection, const Answer& answer) {

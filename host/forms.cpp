@@ -4,6 +4,8 @@
 
 #include <algorithm>
 
+#include "pendra/common.h"
+
 namespace pendra::host {
 
 namespace {
@@ -19,6 +21,22 @@ bool isHexDigit(char c) {
     return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F');
 }
 
+constexpr std::string_view kBlanks = " \t";
+
+std::string_view cutBlanks(std::string_view text) {
+    const size_t start = text.find_first_not_of(kBlanks);
+    if (start == std::string_view::npos) return {};
+    return text.substr(start, text.find_last_not_of(kBlanks) - start + 1);
+}
+
+std::optional<FormPair> readPair(std::string_view part) {
+    const size_t equals = part.find('=');
+    if (equals == std::string_view::npos) return std::nullopt;
+    const std::string_view name = cutBlanks(part.substr(0, equals));
+    if (name.empty()) return std::nullopt;
+    return FormPair{std::string(name), std::string(cutBlanks(part.substr(equals + 1)))};
+}
+
 } // namespace
 
 std::string formField(std::string_view form, std::string_view name) {
@@ -30,6 +48,43 @@ std::string formField(std::string_view form, std::string_view name) {
         return decode(field.substr(equals + 1));
     }
     return {};
+}
+
+std::optional<std::vector<FormPair>> splitForm(std::string_view text, char separator) {
+    const std::string ends = {separator, '\r', '\n'};
+    std::vector<FormPair> pairs;
+    while (!text.empty()) {
+        const std::string_view part = text.substr(0, text.find_first_of(ends));
+        text.remove_prefix(std::min(text.size(), part.size() + 1));
+        if (cutBlanks(part).empty()) continue;
+        const auto pair = readPair(part);
+        if (!pair) return std::nullopt;
+        pairs.push_back(*pair);
+    }
+    return pairs;
+}
+
+std::string joinForm(const std::vector<FormPair>& pairs, char separator) {
+    std::string form;
+    for (const FormPair& pair : pairs) {
+        if (!form.empty()) form += separator;
+        form += pair.name + "=" + pair.value;
+    }
+    return form;
+}
+
+std::string decodeValue(const std::string& encoded) {
+    const auto length = static_cast<int32_t>(encoded.size());
+    std::string value(encoded.size() + 1, '\0');
+    if (length > 0) strncpy_HtmlDecode_(value.data(), encoded.c_str(), length, length);
+    return value.c_str();
+}
+
+std::string encodeValue(const std::string& value) {
+    constexpr size_t kLongestEscape = 3;
+    std::string encoded(value.size() * kLongestEscape + 1, '\0');
+    strncpy_HtmlEncode(encoded.data(), value.c_str(), static_cast<int32_t>(encoded.size()));
+    return encoded.c_str();
 }
 
 bool isMac(std::string_view text) {

@@ -16,7 +16,12 @@ namespace pendra::host {
 struct Route;
 
 struct Request {
-    std::string query;  /**< what follows "?", as it was sent */
+    std::string query; /**< what follows "?", as it was sent */
+    std::string host;  /**< the header of that name; so the next four */
+    std::string origin;
+    std::string referer;
+    std::string accept;
+    std::string contentType;
     std::string client; /**< address, the one that keys are bound to */
     std::string body;   /**< its data() is a writable NUL-terminated text for the library */
     const Route* route = nullptr;

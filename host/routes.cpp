@@ -1,9 +1,12 @@
 #include "host/routes.h"
 
+#include "host/cross_site.h"
 #include "host/documents.h"
 #include "host/firmware.h"
+#include "host/pages.h"
 #include "host/sessions.h"
 #include "host/stations.h"
+#include "host/variables.h"
 #include "pendra/auth.h"
 
 namespace pendra::host {
@@ -22,6 +25,25 @@ constexpr Route kRoutes[] = {
     {"GET", "/zep/checkfw", Admission::needed, Body::optional, getFirmwareStatus},
     {"GET", "/zep/fwnotes", Admission::needed, Body::optional, getReleaseNotes},
     {"GET", "/zep/fwstate", Admission::needed, Body::optional, getFirmwareState},
+    {"GET", "/zep/var", Admission::needed, Body::optional, getVariable},
+    {"POST", "/zep/var", Admission::needed, Body::needed, postVariables},
+    {"GET", "/zep/vars", Admission::needed, Body::optional, getVariables},
+    {"POST", "/zep/validate", Admission::needed, Body::needed, postValidate},
+    {"GET", "/", Admission::page, Body::optional, getPage},
+    {"GET", "/uplink", Admission::page, Body::optional, getPage},
+    {"POST", "/uplink", Admission::page, Body::needed, postPage},
+    {"GET", "/wireless", Admission::page, Body::optional, getPage},
+    {"POST", "/wireless", Admission::page, Body::needed, postPage},
+    {"GET", "/safety", Admission::page, Body::optional, getPage},
+    {"POST", "/safety", Admission::page, Body::needed, postPage},
+    {"GET", "/system", Admission::page, Body::optional, getPage},
+    {"POST", "/system", Admission::page, Body::needed, postPage},
+    {"GET", "/login", Admission::open, Body::optional, getPage},
+    {"POST", "/logout", Admission::page, Body::optional, logout},
+    {"GET", "/style.css", Admission::open, Body::optional, getAsset},
+    {"GET", "/pages.js", Admission::open, Body::optional, getAsset},
+    {"GET", "/login.js", Admission::open, Body::optional, getAsset},
+    {"GET", "/icon.svg", Admission::open, Body::optional, getAsset},
 };
 
 // A HEAD request is a GET whose answer's body stays at home.
@@ -51,6 +73,15 @@ Answer noRoute(std::string_view path) {
     return answer;
 }
 
+bool isAdmitted(const Request& request) {
+    return check_PendraAuthIP(request.client.c_str(), request.query.c_str()) == 0;
+}
+
+Answer notAdmitted(const Route& route) {
+    if (route.admission == Admission::page) return redirect("/login");
+    return textAnswer(MHD_HTTP_UNAUTHORIZED, "Log in first: this address is not admitted, or no longer.");
+}
+
 Answer tooLong() {
     return textAnswer(MHD_HTTP_CONTENT_TOO_LARGE, "The body is longer than 1 MiB.");
 }
@@ -61,10 +92,10 @@ std::optional<Answer> admitRequest(Request& request, std::string_view method, st
                                    size_t declaredLength) {
     request.route = findRoute(method, path);
     if (request.route == nullptr) return noRoute(path);
-    if (request.route->admission == Admission::needed &&
-        check_PendraAuthIP(request.client.c_str(), request.query.c_str()) != 0) {
-        return textAnswer(MHD_HTTP_UNAUTHORIZED, "Log in first: this address is not admitted, or no longer.");
+    if (request.route->method == "POST" && !isFromOwnPage(request.host, request.origin, request.referer)) {
+        return textAnswer(MHD_HTTP_FORBIDDEN, "This request comes from a page of another site.");
     }
+    if (request.route->admission != Admission::open && !isAdmitted(request)) return notAdmitted(*request.route);
     if (declaredLength > kMaxBody) return tooLong();
     return std::nullopt;
 }

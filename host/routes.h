@@ -12,7 +12,11 @@
 
 namespace pendra::host {
 
-enum class Admission { open, needed };
+enum class Admission {
+    open,
+    needed,
+    page, /**< a client that is not admitted is sent to the login page */
+};
 enum class Body { optional, needed };
 
 struct Route {
@@ -30,7 +34,7 @@ inline constexpr size_t kMaxBody = size_t{1} << 20;
  * Finds the request's route and asks whether the client may use it.
  *
  * @param declaredLength the length that the client announced for its body, 0 when it announced none.
- * @return the refusal (404, 405, 401 or 413), or nothing when the request may go on; then its route is set.
+ * @return the refusal (404, 405, 403, 401, 303 or 413), or nothing when the request may go on; then its route is set.
  */
 std::optional<Answer> admitRequest(Request& request, std::string_view method, std::string_view path,
                                    size_t declaredLength);

@@ -10,10 +10,10 @@
 #include <cstring>
 #include <exception>
 
-#include "host/documents.h"
 #include "host/listener.h"
 #include "host/report.h"
 #include "host/routes.h"
+#include "host/setup_run.h"
 #include "host/signals.h"
 #include "pendra/common.h"
 #include "platform/device.h"
@@ -52,11 +52,20 @@ MHD_Result answer(MHD_Connection* connection, const Request& request, const Answ
     return sendAnswer(connection, answer);
 }
 
+void readHeaders(MHD_Connection* connection, Request& request) {
+    request.host = headerOf(connection, MHD_HTTP_HEADER_HOST);
+    request.origin = headerOf(connection, MHD_HTTP_HEADER_ORIGIN);
+    request.referer = headerOf(connection, MHD_HTTP_HEADER_REFERER);
+    request.accept = headerOf(connection, MHD_HTTP_HEADER_ACCEPT);
+    request.contentType = headerOf(connection, MHD_HTTP_HEADER_CONTENT_TYPE);
+}
+
 // A client that waits for "100 Continue" gets a refusal without having to send its body.
 MHD_Result startRequest(MHD_Connection* connection, Request& request, const char* method, const char* path) {
     const size_t length = declaredLength(connection);
     request.started = true;
     request.client = clientOf(connection);
+    readHeaders(connection, request);
     request.refusal = admitRequest(request, method, path, length);
     if (!request.refusal) return MHD_YES;
     const bool bodyIsHeldBack = !headerOf(connection, MHD_HTTP_HEADER_EXPECT).empty();

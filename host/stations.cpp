@@ -18,28 +18,23 @@ constexpr uint32_t kUpdateStaRssi = 256;
 constexpr uint32_t kDeauthSta = 512;
 
 // A station without a signal has an empty text.
-ordered_json signalStrength(const std::string& text) {
+std::optional<int> signalStrength(const std::string& text) {
     int value = 0;
     const char* end = text.data() + text.size();
     const auto [stop, fault] = std::from_chars(text.data(), end, value);
-    if (fault != std::errc{} || stop != end) return nullptr;
+    if (fault != std::errc{} || stop != end) return std::nullopt;
     return value;
 }
 
-ordered_json stationAt(int number) {
+Station stationAt(int number) {
     const std::string path = "/runtime/easyroaming/connstainfo/sta:" + std::to_string(number);
-    return {{"mac", nodeText(path + "/mac")},
-            {"ifname", nodeText(path + "/ifname")},
-            {"rssi", signalStrength(nodeText(path + "/rssi"))}};
+    return {nodeText(path + "/mac"), nodeText(path + "/ifname"), signalStrength(nodeText(path + "/rssi"))};
 }
 
-ordered_json stationList() {
-    ordered_json list = ordered_json::array();
-    const int count = nodeNumber("/runtime/easyroaming/connstainfo/sta#");
-    for (int number = 1; number <= count; ++number) {
-        list.push_back(stationAt(number));
-    }
-    return list;
+ordered_json stationAsJson(const Station& station) {
+    return {{"mac", station.mac},
+            {"ifname", station.interface},
+            {"rssi", station.signal ? ordered_json(*station.signal) : ordered_json(nullptr)}};
 }
 
 bool requestDisconnect(const std::string& mac, const std::string& interface) {
@@ -53,14 +48,28 @@ Answer notStored(const std::string& reason) {
 
 } // namespace
 
-Answer getStations(Request&) {
-    std::string error;
+std::vector<Station> currentStations(std::string& error) {
+    std::vector<Station> stations;
     const bool stored = inTransaction(error, [] {
         exe_ExternalCall(kUpdateStaRssi);
         return true;
     });
-    if (!stored) return notStored(error);
-    return jsonAnswer({{"stations", stationList()}});
+    const int count = stored ? nodeNumber("/runtime/easyroaming/connstainfo/sta#") : 0;
+    for (int number = 1; number <= count; ++number) {
+        stations.push_back(stationAt(number));
+    }
+    return stations;
+}
+
+Answer getStations(Request&) {
+    std::string error;
+    const std::vector<Station> stations = currentStations(error);
+    if (!error.empty()) return notStored(error);
+    ordered_json list = ordered_json::array();
+    for (const Station& station : stations) {
+        list.push_back(stationAsJson(station));
+    }
+    return jsonAnswer({{"stations", list}});
 }
 
 Answer postStations(Request& request) {

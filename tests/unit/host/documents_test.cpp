@@ -1,4 +1,4 @@
-#include "host/documents.h"
+#include "host/setup_run.h"
 
 #include <gtest/gtest.h>
 
