@@ -11,6 +11,8 @@ namespace {
 
 using nlohmann::json;
 
+constexpr const char* kForm = "application/x-www-form-urlencoded";
+
 constexpr long kOk = 200;
 constexpr long kUnauthorized = 401;
 constexpr long kNotFound = 404;
@@ -64,6 +66,42 @@ std::vector<Station> readStations(const json& answer) {
     return stations;
 }
 
+Variable readVariableEntry(const json& entry) {
+    return {entry.at("name").get<std::string>(), entry.at("value").get<std::string>(),
+            entry.at("settable").get<bool>()};
+}
+
+// A check of one value has no wait.
+Verdict readVerdict(const json& entry) {
+    return {entry.at("code").get<int>(), entry.at("name").get<std::string>(), entry.at("words").get<std::string>(),
+            entry.value("wait", 0)};
+}
+
+template <typename Reader>
+auto readList(const HttpReply& reply, Reader reader) {
+    return readJson(reply, [&](const json& answer) {
+        std::vector<decltype(reader(answer))> list;
+        for (const json& entry : answer) {
+            list.push_back(reader(entry));
+        }
+        return list;
+    });
+}
+
+// What the device does not know is null.
+std::optional<int64_t> optionalNumber(const json& value) {
+    return value.is_null() ? std::nullopt : std::optional<int64_t>(value.get<int64_t>());
+}
+
+FirmwareState readFirmwareState(const json& answer) {
+    return {.image = answer.at("image").get<std::string>(),
+            .listBytes = optionalNumber(answer.at("list")).value_or(0),
+            .bytes = optionalNumber(answer.at("bytes")).value_or(0),
+            .total = optionalNumber(answer.at("total")),
+            .upgrade = answer.at("upgrade").get<std::string>(),
+            .reason = answer.at("reason").get<std::string>()};
+}
+
 } // namespace
 
 DeviceClient::DeviceClient(const std::string& url, PasswordSource password, Login login)
@@ -86,7 +124,7 @@ Session DeviceClient::login() {
     const std::string& secret = password(); // before the greeting: typing takes time, and the key is short-lived
     const Hello greeting = hello();
     const std::string key = accessKey(greeting.uptime, greeting.client, secret);
-    const HttpReply reply = http_.post("/zep/login", "application/x-www-form-urlencoded", "PendraKey=" + key);
+    const HttpReply reply = http_.post("/zep/login", kForm, "PendraKey=" + key);
     if (reply.status == kUnauthorized) throw Failure(kNotAdmitted, "The device did not accept the password.");
     loginIsDue_ = false;
     return readJson(reply, [](const json& answer) {
@@ -119,7 +157,62 @@ std::vector<Station> DeviceClient::stations() {
 
 void DeviceClient::disconnect(const Station& station) {
     const std::string form = "mac=" + http_.escape(station.mac) + "&ifname=" + http_.escape(station.interface);
-    expectOk(admitted([&] { return http_.post("/zep/stations", "application/x-www-form-urlencoded", form); }));
+    expectOk(admitted([&] { return http_.post("/zep/stations", kForm, form); }));
+}
+
+std::string DeviceClient::readVariable(const std::string& name, const std::string& field) {
+    const std::string query = "/zep/var?name=" + http_.escape(name) + (field == "path" ? "&path=1" : "");
+    const HttpReply reply = admitted([&] { return http_.get(query); });
+    if (reply.status == kNotFound) throw Failure(kRefused, "The device has no variable " + printable(name) + ".");
+    return readJson(reply, [&](const json& answer) { return answer.at(field).get<std::string>(); });
+}
+
+std::string DeviceClient::variable(const std::string& name) {
+    return readVariable(name, "value");
+}
+
+std::string DeviceClient::variablePath(const std::string& name) {
+    return readVariable(name, "path");
+}
+
+std::vector<Variable> DeviceClient::variables() {
+    return readList(admitted([&] { return http_.get("/zep/vars"); }), readVariableEntry);
+}
+
+HttpReply DeviceClient::postForm(const std::string& path, const Assignments& assignments) {
+    std::string form;
+    for (const auto& [name, value] : assignments) {
+        form += (form.empty() ? "" : "&") + name + "=" + http_.escape(value);
+    }
+    return admitted([&] { return http_.post(path, kForm, form); });
+}
+
+Verdict DeviceClient::set(const Assignments& assignments) {
+    return readJson(postForm("/zep/var", assignments), readVerdict);
+}
+
+std::vector<Verdict> DeviceClient::validate(const Assignments& assignments) {
+    return readList(postForm("/zep/validate", assignments), readVerdict);
+}
+
+FirmwareStatus DeviceClient::firmwareAction(char action) {
+    const std::string path = std::string("/zep/fw?act=") + action;
+    const HttpReply reply = admitted([&] { return http_.post(path, "application/x-www-form-urlencoded", ""); });
+    expectOk(reply);
+    const auto status = parseFirmwareStatus(reply.body);
+    if (!status) throw Failure(kUnexpected, "The device answered with something else than an upgrade status.");
+    return *status;
+}
+
+FirmwareState DeviceClient::firmwareState() {
+    return readJson(admitted([&] { return http_.get("/zep/fwstate"); }), readFirmwareState);
+}
+
+std::string DeviceClient::releaseNotes() {
+    const HttpReply reply = admitted([&] { return http_.get("/zep/fwnotes"); });
+    if (reply.status == kNotFound) return "";
+    expectOk(reply);
+    return reply.body;
 }
 
 } // namespace pendra::client

@@ -1,6 +1,6 @@
 /**
  * @file
- * A device as its clients know it: greeting, logging in, setup documents, stations.
+ * A device as its clients know it: greeting, logging in, setup documents, stations, variables.
  */
 #ifndef PENDRA_CLIENT_DEVICE_CLIENT_H
 #define PENDRA_CLIENT_DEVICE_CLIENT_H
@@ -9,8 +9,10 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
+#include "client/firmware_status.h"
 #include "client/http.h"
 #include "client/result_document.h"
 
@@ -35,6 +37,23 @@ struct Station {
     std::optional<int> rssi; /**< dBm */
 };
 
+struct Variable {
+    std::string name;
+    std::string value;
+    bool settable = false;
+};
+
+/** What the device says to a form, or to one value. */
+struct Verdict {
+    int code = 0;
+    std::string name; /**< the variable at fault */
+    std::string words;
+    int waitSeconds = 0;
+};
+
+/** Pairs of a form: names and values as a person writes them. */
+using Assignments = std::vector<std::pair<std::string, std::string>>;
+
 /** Every call throws Failure when it does not get what it is for. Calls that need admission log in by themselves. */
 class DeviceClient {
   public:
@@ -56,9 +75,23 @@ class DeviceClient {
     std::vector<Station> stations();
     void disconnect(const Station& station);
 
+    /** One step of an upgrade: '0' start over, '1' search, '2' download, '4' install, '9' look. */
+    FirmwareStatus firmwareAction(char action);
+    FirmwareState firmwareState();
+    /** @return the release notes of the firmware that was found; empty while there are none. */
+    std::string releaseNotes();
+    std::string variable(const std::string& name);
+    /** @return where in the device's configuration tree a variable stands. */
+    std::string variablePath(const std::string& name);
+    std::vector<Variable> variables();
+    Verdict set(const Assignments& assignments);
+    std::vector<Verdict> validate(const Assignments& assignments);
+
   private:
     HttpReply admitted(const std::function<HttpReply()>& request);
     const std::string& password();
+    std::string readVariable(const std::string& name, const std::string& field);
+    HttpReply postForm(const std::string& path, const Assignments& assignments);
 
     HttpClient http_;
     PasswordSource passwordSource_;

@@ -9,6 +9,8 @@
 
 #include "client/commands.h"
 #include "client/password_prompt.h"
+#include "client/upgrade.h"
+#include "client/variable_commands.h"
 
 namespace {
 
@@ -22,13 +24,20 @@ constexpr const char* kFooter =
     "  3  not admitted: wrong password\n"
     "  4  the device cannot be reached\n"
     "  5  the device answered unexpectedly\n"
-    "  6  a file on this machine cannot be read, or it is out of memory\n";
+    "  6  a file on this machine cannot be read, or it is out of memory\n"
+    "  7  upgrade: there is no newer firmware\n"
+    "  8  upgrade: the firmware list is malformed, or the device does not accept its addresses\n"
+    "  9  upgrade: the firmware server cannot be reached from the device\n"
+    " 10  upgrade: the download failed\n"
+    " 11  upgrade: the device refused the image\n";
 
 struct Options {
     std::string device = "http://127.0.0.1:8480";
     std::string password;
     SetupOptions setup;
     StationOptions stations;
+    UpgradeOptions upgrade;
+    VariableOptions variables;
 };
 
 using Command = std::function<ExitCode(DeviceClient&)>;
@@ -60,6 +69,17 @@ void addGlobalOptions(CommandLine& line) {
                         ->envname("ZEPCTL_PASSWORD");
 }
 
+void addUpgrade(CommandLine& line) {
+    UpgradeOptions& options = line.options.upgrade;
+    line.addCommand("upgrade", "Search for newer firmware and install it",
+                    [&](DeviceClient& device) { return runUpgrade(device, options); });
+    CLI::App& upgrade = line.subcommand("upgrade");
+    upgrade.add_flag("--check", options.checkOnly, "Only search, and show what was found");
+    upgrade.add_flag("--yes", options.yes, "Install without being asked");
+    upgrade.add_flag("--json", options.json, "Show the outcome as JSON");
+    upgrade.add_flag("--no-wait", options.noWait, "Do not wait until the device has restarted");
+}
+
 void addCommands(CommandLine& line) {
     Options& options = line.options;
     line.addCommand("hello", "Show what the device says about itself", showHello);
@@ -70,6 +90,8 @@ void addCommands(CommandLine& line) {
     line.addCommand("stations", "List the wireless stations, or disconnect one",
                     [&](DeviceClient& device) { return runStations(device, options.stations); });
 
+    addUpgrade(line);
+
     CLI::App& setup = line.subcommand("setup");
     setup.add_option("FILE", options.setup.file, "The document; - reads standard input")->required();
     setup.add_flag("--apcloning", options.setup.cloning, "The document is one for access-point cloning");
@@ -79,6 +101,27 @@ void addCommands(CommandLine& line) {
     CLI::Option* json = stations.add_flag("--json", options.stations.json, "List them as JSON");
     stations.add_option("--disconnect", options.stations.disconnect, "MAC of the station to disconnect")
         ->excludes(json);
+}
+
+void addVariableCommands(CommandLine& line) {
+    VariableOptions& options = line.options.variables;
+    const auto add = [&](const char* name, const char* help, ExitCode (*work)(DeviceClient&, const VariableOptions&)) {
+        line.addCommand(name, help, [&options, work](DeviceClient& device) { return work(device, options); });
+    };
+    add("list", "Show every variable with its value", listVariables);
+    add("get", "Show the values of variables", getVariables);
+    add("set", "Set variables, wait until they take effect", setVariables);
+    add("validate", "Check values and change nothing", validateVariables);
+    add("path", "Show where in the device's configuration tree variables stand", showPaths);
+
+    line.subcommand("list").add_flag("--json", options.json, "List them as JSON");
+    for (const char* name : {"get", "path"}) {
+        line.subcommand(name).add_option("NAME", options.names, "Names, like zep_DeviceName")->required();
+    }
+    for (const char* name : {"set", "validate"}) {
+        line.subcommand(name).add_option("NAME=VALUE", options.assignments, "Names and their values")->required();
+    }
+    line.subcommand("set").add_flag("--no-wait", options.noWait, "Do not wait until the settings have taken effect");
 }
 
 // A password that was given is tried in any case: a wrong one must not go unnoticed just because this machine's address
@@ -97,6 +140,7 @@ int runProgram(int argc, const char* const* argv) {
     CommandLine line;
     addGlobalOptions(line);
     addCommands(line);
+    addVariableCommands(line);
     try {
         line.app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
