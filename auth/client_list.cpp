@@ -64,8 +64,8 @@ void emptyList(clientAuthEntry** head) {
 }
 
 // Behind the head the test is looser than at the head: the first entry of that address, or whose session is not named,
-// or any entry when no session text is given. Hosts depend on it to clear out sessions that their request no longer
-// carries.
+// or any entry when no session text is given. Hosts that delete by session rely on it as it
+// is.
 bool endsWalk(const clientAuthEntry& entry, const char* ip, const char* session, uint32_t mode) {
     if (hasAddress(entry, ip)) return true;
     return mode != kByAddress && !namesSession(entry, session);

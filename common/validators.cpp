@@ -39,7 +39,8 @@ bool isByte(int32_t number) {
     return is_in_range(number, 0, 255) == 1;
 }
 
-// An address ending in 0 is refused, one ending in 255 accepted: devices in the field hand out the latter.
+// An address ending in 0 is refused, one ending in 255 accepted. The asymmetry is the interface: clients rely on
+// either.
 bool isHostAddress(const DottedText& address) {
     const auto& part = address.part;
     return address.complete && is_in_range(part[0], 1, 223) == 1 && part[0] != 127 && isByte(part[1]) &&
@@ -57,7 +58,7 @@ bool isNetmask(const DottedText& mask) {
     return (hostBits & (hostBits + 1)) == 0; // ones, then zeros; all ones and all zeros included
 }
 
-// Lower-case digits make a key invalid: the drivers take hexadecimal keys in upper case only.
+// Lower-case digits make a key of this form invalid, and must: what is stored is handed on as it stands.
 bool isUpperHex(const char* text) {
     return text[std::strspn(text, "0123456789ABCDEF")] == '\0';
 }

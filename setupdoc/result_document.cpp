@@ -22,6 +22,7 @@ namespace {
 
 void reportFault(int32_t code, const char* parentPath, const char* tag) {
     char message[128];
+    if (tag == nullptr) tag = "";
     if (isEmpty(parentPath))
         copyText(message, tag);
     else

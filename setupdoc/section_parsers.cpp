@@ -137,7 +137,7 @@ bool readLaterRadioLeaves(const Block& block, ZepWireless& radio) {
 }
 
 bool readRadio(const Block& block, ZepWireless& radio) {
-    constexpr int32_t kKeyCapacity = 32; // shorter than its field: clients know keys of 31 characters at the most
+    constexpr int32_t kKeyCapacity = 32; // shorter than its field: posted keys have always been cut here
     return readInt(block, "WlEnbl", radio.WlEnbl) && readInt(block, "WlSchedule", radio.WlSchedule) &&
            (isFirstGeneration() || readText(block, "WirelessBSSID", radio.WirelessBSSID)) &&
            readText(block, "WirelessName", radio.WirelessName) &&
@@ -215,7 +215,7 @@ int32_t do_ZepISP_Parser(const char* parentPath, char* start, int32_t length, Ze
 
 int32_t do_ZepExtender_Parser(const char* parentPath, char* start, int32_t length, ZepExtenderSite* site,
                               const char* element) {
-    constexpr int32_t kCapacity = 18; // shorter than the fields: the scan lists of clients give 17 characters
+    constexpr int32_t kCapacity = 18; // shorter than the fields: posted texts have always been cut here
     traceParser("do_ZepExtender_Parser", parentPath);
     const Block block = cutOut(parentPath, start, length, element, site->path);
     if (!block) return 0;
