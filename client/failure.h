@@ -18,6 +18,11 @@ enum ExitCode : int {
     kUnreachable = 4,
     kUnexpected = 5,
     kUnreadable = 6,
+    kNoFirmware = 7,
+    kListMalformed = 8,
+    kServerUnreachable = 9,
+    kDownloadFailed = 10,
+    kImageRefused = 11,
 };
 
 /** Ends a command: what() is one line for a person. */

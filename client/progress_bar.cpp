@@ -19,14 +19,18 @@ void draw(int elapsedSeconds, int totalSeconds) {
 
 } // namespace
 
+std::string bar(int64_t done, int64_t total, int width) {
+    const auto places = static_cast<size_t>(width);
+    const auto filled = static_cast<size_t>(total == 0 ? width : width * done / total);
+    return "[" + std::string(filled, '#') + std::string(places - filled, '-') + "]";
+}
+
 std::string barText(int elapsedSeconds, int totalSeconds, int width) {
     const int elapsed = std::clamp(elapsedSeconds, 0, totalSeconds);
-    const int filled = totalSeconds == 0 ? width : width * elapsed / totalSeconds;
     const std::string total = std::to_string(totalSeconds);
     std::string passed = std::to_string(elapsed);
     passed.insert(0, total.size() - passed.size(), ' ');
-    return "[" + std::string(static_cast<size_t>(filled), '#') + std::string(static_cast<size_t>(width - filled), '-') +
-           "] " + passed + " of " + total + " s";
+    return bar(elapsed, totalSeconds, width) + " " + passed + " of " + total + " s";
 }
 
 void waitWithBar(int seconds) {
