@@ -14,22 +14,19 @@
 namespace pendra::device {
 namespace {
 
-/** A command's attributes: every signal can reach it, as if it had been started from a terminal. */
-class CleanSignals {
+/** A command's attributes: no signal is blocked. */
+class OpenSignals {
   public:
-    CleanSignals() {
+    OpenSignals() {
         sigset_t none;
-        sigset_t all;
         sigemptyset(&none);
-        sigfillset(&all);
         posix_spawnattr_init(&attributes_);
         posix_spawnattr_setsigmask(&attributes_, &none);
-        posix_spawnattr_setsigdefault(&attributes_, &all);
-        posix_spawnattr_setflags(&attributes_, POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF);
+        posix_spawnattr_setflags(&attributes_, POSIX_SPAWN_SETSIGMASK);
     }
-    CleanSignals(const CleanSignals&) = delete;
-    CleanSignals& operator=(const CleanSignals&) = delete;
-    ~CleanSignals() { posix_spawnattr_destroy(&attributes_); }
+    OpenSignals(const OpenSignals&) = delete;
+    OpenSignals& operator=(const OpenSignals&) = delete;
+    ~OpenSignals() { posix_spawnattr_destroy(&attributes_); }
     [[nodiscard]] const posix_spawnattr_t* attributes() const { return &attributes_; }
 
   private:
@@ -43,7 +40,7 @@ int runCommand(const std::string& command) {
     std::string option = "-c";
     std::string text = command;
     char* arguments[] = {shell.data(), option.data(), text.data(), nullptr};
-    const CleanSignals signals;
+    const OpenSignals signals;
     pid_t child = 0;
     const int fault = ::posix_spawn(&child, "/bin/sh", nullptr, signals.attributes(), arguments, environ);
     if (fault != 0) {
