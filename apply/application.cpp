@@ -96,7 +96,7 @@ void applyExtenderSite(const ZepExtenderSite& site, int32_t& restart) {
     writeText(site.EncryptionKey, "/uplink/extendersite/encryptionkey", restart);
 }
 
-// MTU is verified but never written: the platform derives it from the connection.
+// MTU is verified but never written: no node takes it.
 void applyDslLine(const ZepIsp& dsl, int32_t& restart) {
     writeNumber(dsl.VPI, "/uplink/dsl/vpi", restart);
     writeNumber(dsl.VCI, "/uplink/dsl/vci", restart);
@@ -180,7 +180,7 @@ void deleteSurplusRules(ZepWireless& radio, const char* accessBase, int oldCount
 void applyRules(ZepWireless& radio, const char* accessBase, int storedMode) {
     const ZepAccessControl& access = radio.accessControl;
     raise(radio.restart, access.WlAcMode != storedMode ? 1 : 0);
-    xset_int(access.WlAcMode, NodePath("%s/wlacmode", accessBase)); // on every run: the driver wants it fresh
+    xset_int(access.WlAcMode, NodePath("%s/wlacmode", accessBase)); // on every run, changed or not
     const int oldCount = readNodeInt(NodePath("%s/acrule#", accessBase));
     for (int32_t index = 0; index < rulesInUse(access); index++) {
         const ZepAcRule& rule = access.acRule[index];

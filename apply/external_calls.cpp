@@ -43,7 +43,7 @@ struct ExternalCall {
 };
 
 constexpr ExternalCall kCalls[] = {
-    {kWanResync, "[%s,WanResync]", 20, {"uplink.sh", "wan_resync.sh"}}, // no line end: log readers split on it
+    {kWanResync, "[%s,WanResync]", 20, {"uplink.sh", "wan_resync.sh"}}, // no line end, on purpose
     {kWlanResync, "[%s,WlanResync]\n", 20, {"wlan_resync.sh"}},
     {kWlan5gResync, "[%s,Wlan5gResync]\n", 20, {"wlan5g_resync.sh"}},
     {kDeviceResync, "[%s,DeviceResync]\n", 5, {"device_resync.sh"}},
@@ -115,7 +115,7 @@ uint32_t requestedIds(const ZepDevice& device) {
     return ids;
 }
 
-// Saving adds nothing: it goes on while the client is already back.
+// Saving adds nothing, although it has a wait of its own: the dispatcher only logs it.
 int32_t waitFor(uint32_t ids) {
     int32_t seconds = 0;
     for (const ExternalCall& call : kCalls)

@@ -26,8 +26,7 @@ constexpr size_t kMacOffset = 1;
 constexpr size_t kRssiOffset = 10;
 constexpr int kAntennas = 3;
 
-// The mixed case of the MAC formats differs between the two radios; the roaming controllers of the field compare these
-// very texts.
+// The mixed case of the MAC formats differs between the two radios on purpose: the published texts are the interface.
 struct Radio {
     const char* nameFormat;
     const char* macFormat;

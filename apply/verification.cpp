@@ -104,14 +104,14 @@ Verdict checkExtenderSite(ZepExtenderSite& site) {
 }
 
 // Both upper limits look at the hardware and not at the connection type. In this branch the hardware is always "DSL",
-// so that only the second can apply and 1492 is the limit for every connection: clients know that one.
+// so that only the second can apply and 1492 is the limit for every connection. That range is the interface.
 Verdict checkMtu(const ZepUpLink& upLink) {
     const bool tooLarge = (upLink.MTU >= 1501 && upLink.hardwareTypeIdx == kEthernet) ||
                           (upLink.MTU >= 1493 && upLink.hardwareTypeIdx == kDsl);
     return require(upLink.MTU > 0 && !tooLarge, upLink.dsl.path, "MTU");
 }
 
-// A wrong encapsulation is reported under the encryption's tag: clients show that text for it.
+// A wrong encapsulation is reported under the encryption's tag: that message is the interface.
 Verdict checkDslLine(const ZepUpLink& upLink) {
     const ZepIsp& dsl = upLink.dsl;
     return firstOf([&] { return checkMtu(upLink); },
@@ -211,7 +211,7 @@ Verdict checkRule(ZepAcRule& rule) {
 }
 
 Verdict checkAccessControl(ZepAccessControl& access) {
-    // The message names the radio's enable tag: that is the switch clients show for access control.
+    // The message names the radio's enable tag and not WlAcEnbl: that message is the interface.
     if (is_in_range(access.WlAcEnbl, 0, 2) == 0) return fail(access.path, "WlEnbl");
     if (access.WlAcEnbl != 1) return Verdict::goOn;
     Verdict verdict = requireFlag(access.WlAcMode, access.path, "WlAcMode");

@@ -10,7 +10,7 @@ namespace {
 constexpr int32_t kUnknown = -1;
 
 // With an automatic channel the first look remembers 0 and so reports a change at once: a host that has just started
-// treats the channel in use as news.
+// learns that way that the radio has chosen a channel.
 bool channelChanged(int radio) {
     const char* name = WirelessTypeArray[radio];
     const int configured = readNodeInt(NodePath("/lan/wireless%s:1/channel", name)); // 0 is automatic

@@ -28,7 +28,7 @@ int32_t takeRequests() {
 extern "C" {
 
 // exeflag is not cleared here: the next successful run moves it into pre_exeflag, so that the commit of a run that
-// changes nothing repeats the actions of the one before. Clients post a document again when they lost the answer.
+// changes nothing repeats the actions of the one before. That repetition is intended.
 int32_t do_ZepXml_Commit(void) {
     traceEntry("do_ZepXml_Commit");
     const int32_t requests = takeRequests();

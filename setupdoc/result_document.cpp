@@ -43,7 +43,8 @@ void reportInvalidValue(const char* parentPath, const char* tag) {
 
 using namespace pendra;
 
-// The message goes into the command as it is: messages are paths of the document, put together by the library.
+// The message goes into the command as it is. It is a path put together by the library or, after a form, a name as the
+// client sent it: a host that takes forms checks names before.
 extern "C" void write_ZepXml_ResultXml(int32_t code, const char* message, int32_t waitSeconds) {
     if (message == nullptr) message = "";
     zepXmlData.setResult = code;

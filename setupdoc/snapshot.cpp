@@ -212,8 +212,8 @@ void readRules(ZepAccessControl& access, const char* base) {
     }
 }
 
-// The rule count is looked for under the radio's configurable node, not under its access control. Devices in the field
-// have no list there: their variable interface starts with no rules and mode 0, and pages are built on that.
+// The rule count is looked for under the radio's configurable node, on purpose, and not under its access control. A
+// device that has no list there starts its variable interface with no rules and mode 0, whatever it stores.
 void readRadioValues(ZepWireless& radio, const char* base, const char* configurablePath) {
     ZepAccessControl& access = radio.accessControl;
     joinPath(access.path, radio.path, "AccessControl");

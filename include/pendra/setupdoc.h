@@ -291,7 +291,7 @@ PENDRA_API int32_t do_ZepXml_Commit_for_ApCloning(int32_t flag);
  *
  * @param code        0 applied, 1 spec version differs, 2 element missing, 3 value invalid, or a validate_ZepData()
  * code.
- * @param message     path of the offending element; put into the shell command as it is.
+ * @param message     path of the offending element, or the refused variable; put into the shell command as it is.
  * @param waitSeconds seconds until the client asks again.
  */
 PENDRA_API void write_ZepXml_ResultXml(int32_t code, const char* message, int32_t waitSeconds);
