@@ -65,7 +65,7 @@ constexpr Variable kExtenderRows[] = {
      OFFSET(ZepExtenderSite, wirelessTypeIdx), WirelessTypeArray},
     {"WirelessName", Kind::text, Check::none, FIELD(ZepExtenderSite, WirelessName)},
     {"EncryptionKey", Kind::text, Check::none, FIELD(ZepExtenderSite, EncryptionKey)},
-    // The node is spelt so, unlike the path answer: the connection daemon of the field publishes there.
+    // The node is spelt so, unlike the path answer; both are part of the interface.
     {"ConnStatus", Kind::liveText, Check::readOnly, 0, 0, 0, nullptr, nullptr, "/uplink/sxtendersite/connstatus"},
 };
 
