@@ -178,6 +178,14 @@ TEST_F(ResultDocument, WithoutParentPath_TheTagAloneIsReported) {
     }
 }
 
+TEST_F(ResultDocument, NullTag_CrashesNothing) {
+    reportMissingElement("Device", nullptr);
+    EXPECT_STREQ("Device/", zepXmlData.setMsg);
+    reportMissingElement(nullptr, nullptr);
+    EXPECT_STREQ("", zepXmlData.setMsg);
+    EXPECT_EQ(2, zepXmlData.setResult);
+}
+
 TEST_F(ResultDocument, ReportedPath_IsCutAt127Characters) {
     const std::string parent(121, 'p');
     reportMissingElement(parent.c_str(), "Leave");
