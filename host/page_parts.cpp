@@ -172,9 +172,9 @@ std::string ruleButton(const char* action, const char* label, const std::string&
 std::string ruleItem(const std::string& radio, size_t index, const AccessRule& rule) {
     return "<li><form method=\"post\" action=\"/wireless\">\n<input type=\"hidden\" name=\"radio\"" +
            attribute("value", radio) + ">\n<input type=\"hidden\" name=\"rule\"" +
-           attribute("value", std::to_string(index)) + ">\n<input type=\"hidden\" name=\"mac\"" +
+           attribute("value", std::to_string(index)) + ">\n<input type=\"hidden\"" + attribute("name", "mac-" + radio) +
            attribute("value", rule.mac) + ">\n<span class=\"mac\">" + escapeHtml(rule.mac) +
-           "</span> <span class=\"state\">" + (rule.active ? "active" : "not active") + "</span>\n" +
+           "</span> <span class=\"state\">" + (rule.active ? "active" : "off") + "</span>\n" +
            (rule.active ? ruleButton("off", "Turn off", rule.mac) : ruleButton("on", "Turn on", rule.mac)) +
            ruleButton("remove", "Remove", rule.mac) + "</form></li>\n";
 }

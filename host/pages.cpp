@@ -141,9 +141,8 @@ Answer runPage(Request& request, PageView& view, const Form& form, const std::fu
 
 Answer runRuleEdit(Request& request, PageView& view, const RuleEdit& edit) {
     if (!edit.fault.empty()) {
-        const std::string name = "mac-" + formField(request.body, "radio");
-        view.typed[name] = formField(request.body, "mac");
-        view.faults[name] = edit.fault;
+        view.typed[edit.field] = edit.mac;
+        view.faults[edit.field] = edit.fault;
         return refuse(view);
     }
     const Form form{.pairs = rulePairs(edit)};

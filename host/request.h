@@ -22,8 +22,9 @@ struct Request {
     std::string referer;
     std::string accept;
     std::string contentType;
-    std::string client; /**< address, the one that keys are bound to */
-    std::string body;   /**< its data() is a writable NUL-terminated text for the library */
+    std::string client;   /**< address, the one that keys are bound to */
+    std::string body;     /**< its data() is a writable NUL-terminated text for the library */
+    bool cutPath = false; /**< the path holds a NUL byte, at which the web server ends it */
     const Route* route = nullptr;
     std::optional<Answer> refusal; /**< decided before or while the body came in; the body is then not kept */
     size_t received = 0;           /**< bytes of the body so far */

@@ -53,9 +53,8 @@ size_t indexOf(const std::string& text) {
     return index;
 }
 
-std::string change(std::vector<AccessRule>& rules, std::string_view form) {
+std::string change(std::vector<AccessRule>& rules, std::string_view form, const std::string& mac) {
     const std::string word = formField(form, "do");
-    const std::string mac = formField(form, "mac");
     const size_t index = indexOf(formField(form, "rule"));
     for (const Change& row : kChanges) {
         if (row.word != word) continue;
@@ -74,7 +73,9 @@ RuleEdit readRuleEdit(std::string_view form) {
     edit.wanted = true;
     edit.radio = radio == kRadioNames[0] ? 0 : 1;
     edit.rules = accessRules(edit.radio);
-    edit.fault = change(edit.rules, form);
+    edit.field = "mac-" + radio;
+    edit.mac = formField(form, edit.field);
+    edit.fault = change(edit.rules, form, edit.mac);
     return edit;
 }
 

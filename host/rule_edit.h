@@ -17,6 +17,8 @@ namespace pendra::host {
 struct RuleEdit {
     bool wanted = false; /**< the form asks for such a change at all */
     int radio = 0;
+    std::string field; /**< of the station's address */
+    std::string mac;
     std::vector<AccessRule> rules; /**< after the change */
     std::string fault;             /**< why there is none */
 };

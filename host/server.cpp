@@ -66,7 +66,7 @@ MHD_Result startRequest(MHD_Connection* connection, Request& request, const char
     request.started = true;
     request.client = clientOf(connection);
     readHeaders(connection, request);
-    request.refusal = admitRequest(request, method, path, length);
+    request.refusal = admitRequest(request, method, request.cutPath ? "" : path, length);
     if (!request.refusal) return MHD_YES;
     const bool bodyIsHeldBack = !headerOf(connection, MHD_HTTP_HEADER_EXPECT).empty();
     if (!bodyIsHeldBack && length <= kMaxDiscarded) return MHD_YES;
@@ -195,6 +195,7 @@ void* Server::onRequestLine(void* self, const char* uri, MHD_Connection*) {
     const size_t mark = text.find('?');
     auto* request = new Request;
     if (mark != std::string_view::npos) request->query = text.substr(mark + 1);
+    request->cutPath = text.substr(0, mark).find("%00") != std::string_view::npos;
     return request;
 }
 
