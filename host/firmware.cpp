@@ -69,7 +69,7 @@ bool isComplete(const std::string& document) {
 // its status when there is no room for the document.
 std::string statusOfAction() {
     const std::string path = temporaryFile(kStatusName);
-    const std::string stored = readFile(path).value_or("");
+    std::string stored = readFile(path).value_or("");
     unstoredStatus.clear();
     if (isComplete(stored)) return stored;
     reportFault("the status document could not be stored in " + path);

@@ -1,6 +1,7 @@
 #include "host/forms.h"
 
 #include <microhttpd.h>
+#include <cstring>
 
 #include <algorithm>
 
@@ -77,14 +78,16 @@ std::string decodeValue(const std::string& encoded) {
     const auto length = static_cast<int32_t>(encoded.size());
     std::string value(encoded.size() + 1, '\0');
     if (length > 0) strncpy_HtmlDecode_(value.data(), encoded.c_str(), length, length);
-    return value.c_str();
+    value.resize(std::strlen(value.c_str())); // an escaped NUL ends the text
+    return value;
 }
 
 std::string encodeValue(const std::string& value) {
     constexpr size_t kLongestEscape = 3;
     std::string encoded(value.size() * kLongestEscape + 1, '\0');
     strncpy_HtmlEncode(encoded.data(), value.c_str(), static_cast<int32_t>(encoded.size()));
-    return encoded.c_str();
+    encoded.resize(std::strlen(encoded.c_str()));
+    return encoded;
 }
 
 bool isMac(std::string_view text) {

@@ -53,8 +53,11 @@ std::string variableText(const std::string& name) {
 
 std::vector<AccessRule> accessRules(int radio) {
     const ZepAccessControl& access = zepXmlData.device.wireless[radio].accessControl;
+    // A client may set any count; the record holds so many rules.
+    const int32_t count = std::clamp<int32_t>(access.acRuleCount, 0, ZEP_AC_RULE_MAX);
     std::vector<AccessRule> rules;
-    for (int32_t rule = 0; rule < access.acRuleCount; ++rule) {
+    rules.reserve(static_cast<size_t>(count));
+    for (int32_t rule = 0; rule < count; ++rule) {
         rules.push_back({access.acRule[rule].Active != 0, access.acRule[rule].MAC});
     }
     return rules;

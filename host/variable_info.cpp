@@ -50,8 +50,10 @@ std::vector<std::string> namesOf(const VariableInfo& variable, int elementCount)
     const size_t index = variable.name.find("??");
     if (index == std::string_view::npos) return {std::string(variable.name)};
     constexpr int kMaxIndexes = 100; // two digits
+    const int count = std::clamp(elementCount, 0, kMaxIndexes);
     std::vector<std::string> names;
-    for (int element = 0; element < std::min(elementCount, kMaxIndexes); ++element) {
+    names.reserve(static_cast<size_t>(count));
+    for (int element = 0; element < count; ++element) {
         names.push_back(std::string(variable.name).replace(index, 2, twoDigits(element)));
     }
     return names;
