@@ -29,6 +29,7 @@ constexpr Page kPages[] = {
     {"/wireless", "Wireless", "wireless.html"},
     {"/safety", "Web safety", "safety.html"},
     {"/system", "System", "system.html"},
+    {"/upgrade", "Upgrade", "upgrade.html"},
     {"/login", "Log in", "login.html"},
 };
 
@@ -41,6 +42,7 @@ constexpr Asset kAssets[] = {
     {"/style.css", "text/css; charset=utf-8"},
     {"/pages.js", "text/javascript; charset=utf-8"},
     {"/login.js", "text/javascript; charset=utf-8"},
+    {"/upgrade.js", "text/javascript; charset=utf-8"},
     {"/icon.svg", "image/svg+xml"},
 };
 

@@ -38,11 +38,13 @@ constexpr Route kRoutes[] = {
     {"POST", "/safety", Admission::page, Body::needed, postPage},
     {"GET", "/system", Admission::page, Body::optional, getPage},
     {"POST", "/system", Admission::page, Body::needed, postPage},
+    {"GET", "/upgrade", Admission::page, Body::optional, getPage},
     {"GET", "/login", Admission::open, Body::optional, getPage},
     {"POST", "/logout", Admission::page, Body::optional, logout},
     {"GET", "/style.css", Admission::open, Body::optional, getAsset},
     {"GET", "/pages.js", Admission::open, Body::optional, getAsset},
     {"GET", "/login.js", Admission::open, Body::optional, getAsset},
+    {"GET", "/upgrade.js", Admission::open, Body::optional, getAsset},
     {"GET", "/icon.svg", Admission::open, Body::optional, getAsset},
 };
 
