@@ -7,7 +7,8 @@ import { chromium } from "playwright-core";
 
 const base = process.env.PENDRA_DEVICE_URL;
 const password = "bramble-1234";
-const pages = { status: "/", uplink: "/uplink", wireless: "/wireless", safety: "/safety", system: "/system" };
+const pages = { status: "/", uplink: "/uplink", wireless: "/wireless", safety: "/safety", system: "/system",
+  upgrade: "/upgrade" };
 const sizes = { phone: { width: 390, height: 844 }, desk: { width: 1280, height: 800 } };
 
 let context;
