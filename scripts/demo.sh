@@ -61,7 +61,6 @@ start_device() {
 keep_serving() {
   say "The device is at $ZEPCTL_DEVICE; its password is '$ZEPCTL_PASSWORD'. Ctrl-C ends it"
   echo "Its pages: $ZEPCTL_DEVICE/"
-  echo "Its page: $ZEPCTL_DEVICE/"
-echo "Try: ZEPCTL_DEVICE=$ZEPCTL_DEVICE $zepctl stations"
+  echo "Try: ZEPCTL_DEVICE=$ZEPCTL_DEVICE $zepctl stations"
   wait "$device"
 }
