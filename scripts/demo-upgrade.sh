@@ -2,12 +2,12 @@
 # A firmware upgrade, for real: a server on this machine, the search, the download, the check and the flash. Then an image
 # that is damaged.
 
-images=$build/platform/fwserver/root/PB100
+images=$build/platform/fwserver/files/PB100
 flash=$state/device/flash/firmware.bin
 
 start_server() {
   # A rate at which the bar can be watched.
-  platform/fwserver/serve "$build/platform/fwserver/root" --rate 1024 2>"$state/fwserver.log" &
+  platform/fwserver/serve "$build/platform/fwserver/files" --rate 1024 2>"$state/fwserver.log" &
   server=$!
   for _ in $(seq 100); do
     ! curl -sf -o /dev/null http://127.0.0.1:8481/PB100/PB100.xml || break
