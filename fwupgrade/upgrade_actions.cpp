@@ -80,7 +80,7 @@ void sendToBackground(char (&command)[kCommandSize]) {
     copyTextBounded(command + std::min(std::strlen(command), room), std::strlen(kBackground) + 1, kBackground);
 }
 
-void fetch(const char* command) {
+void runTraced(const char* command) {
     runShell(command);
     PENDRA_LOG(kLogTrace, "cmd=%s\n", command);
 }
@@ -103,7 +103,7 @@ void startOver(uint32_t) {
     char command[kReadSize];
     formatText(command, "rm -f \"%s/%s\" \"%s/%s\" \"%s/%s\" \"%s/%s\"", directory, kStatusFile, directory, image,
                directory, kNotesFile, directory, kProcessFile);
-    fetch(command);
+    runTraced(command);
     xdel("/fwupgradeinfo/newfw");
     fwXmlData.status = kInitial;
 }
@@ -118,7 +118,7 @@ void fetchNotes() {
     readTemplate(pattern);
     makeFetchCommand(command, pattern, target, address);
     sendToBackground(command);
-    fetch(command);
+    runShell(command);
 }
 
 // Fetches the list document into a file; the model prefix of the running firmware's name says which.
@@ -134,7 +134,7 @@ void fetchList(char (&listFile)[128]) {
     formatText(address, "%s/%s/%s.xml", get_FwServerWebSite(), prefix, prefix);
     readTemplate(pattern);
     makeFetchCommand(command, pattern, listFile, address);
-    fetch(command);
+    runTraced(command);
 }
 
 void search(uint32_t) {
@@ -163,7 +163,7 @@ void download(uint32_t) {
     makeFetchCommand(command, trim(pattern), target, address);
     rememberDownload(command);
     sendToBackground(command);
-    fetch(command);
+    runShell(command);
     fwXmlData.status = kDownloading;
 }
 

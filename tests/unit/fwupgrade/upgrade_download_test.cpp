@@ -98,15 +98,15 @@ TEST_F(UpgradeDownload, DefaultCommand_GivesItsKey) {
     EXPECT_STREQ("wget -O /tmp/p", fwXmlData.downloadKey);
 }
 
-TEST_F(UpgradeDownload, Trace_HoldsTheCommand) {
+TEST_F(UpgradeDownload, Trace_HoldsNoCommand) {
     daemon_log_level = 7;
     const Events events = actIn(2, '2');
     const auto lines = logLines();
-    ASSERT_EQ(7U, lines.size());
+    ASSERT_EQ(6U, lines.size());
     EXPECT_EQ("1000:do_FwUpgradeAction]", lines[0]);
     EXPECT_EQ("===FWUPGRADE_ACT_DOWNLOAD===", lines[1]);
-    EXPECT_EQ("cmd=" + events[0].substr(4), lines[2]);
-    EXPECT_EQ("zepcheckfw.xml done", lines[6]);
+    EXPECT_EQ("1000:write_TmpXmlFile]" + events[1].substr(4), lines[2]);
+    EXPECT_EQ("zepcheckfw.xml done", lines[5]);
 }
 
 class DownloadPoll : public UpgradeTest {
