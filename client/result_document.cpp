@@ -47,9 +47,14 @@ std::string resultInWords(const ResultDocument& result) {
     return "The device reports result " + std::to_string(result.code) + ": " + element;
 }
 
+// U+0080 to U+009F in UTF-8 count too: many terminals obey them like an escape.
 std::string printable(std::string text) {
     const auto isControl = [](char c) { return (c >= 0 && c < ' ') || c == '\x7f'; };
     std::replace_if(text.begin(), text.end(), isControl, '?');
+    for (size_t lead = text.find('\xc2'); lead != std::string::npos; lead = text.find('\xc2', lead + 1)) {
+        const int next = lead + 1 < text.size() ? static_cast<unsigned char>(text[lead + 1]) : 0;
+        if (next >= 0x80 && next < 0xa0) text.replace(lead, 2, "?");
+    }
     return text;
 }
 

@@ -60,6 +60,10 @@ TEST(ResultInWords, EveryCode_HasItsWords) {
 TEST(Printable, ControlCharacters_AreReplaced) {
     EXPECT_EQ(printable("a\x1b[2Jb\n\x7f"), "a?[2Jb??");
     EXPECT_EQ(printable("Caf\xc3\xa9"), "Caf\xc3\xa9");
+    EXPECT_EQ(printable("a\xc2\x9b"
+                        "2J\xc2\x80\xc2\x9f"),
+              "a?2J??");
+    EXPECT_EQ(printable("5\xc2\xa0\xc2\xb0\xc2"), "5\xc2\xa0\xc2\xb0\xc2");
     EXPECT_EQ(resultInWords({.code = 3, .message = "a\rb", .waitSeconds = 0}), "A value is not valid: a?b");
 }
 
