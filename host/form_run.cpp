@@ -36,8 +36,9 @@ std::string checkInnerForm(const FormPair& pair) {
     if (pair.name != kSetAction) return {};
     auto inner = splitForm(decodeValue(pair.value), '&');
     if (!inner) return "its value must be a list of name=value, with & between them.";
+    // By either spelling: each level would be checked by a call within the one before.
     const bool nested =
-        std::any_of(inner->begin(), inner->end(), [](const FormPair& p) { return p.name == kSetAction; });
+        std::any_of(inner->begin(), inner->end(), [](const FormPair& p) { return libraryName(p.name) == kSetAction; });
     return nested ? "it cannot hold itself." : checkPairs(*inner, Actions::allowed);
 }
 

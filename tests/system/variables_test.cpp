@@ -334,6 +334,19 @@ TEST_F(Variables, Post_ThatIsNoForm_Gives400) {
     }
 }
 
+TEST_F(Variables, Post_ListThatHoldsItself_Gives400HoweverDeep) {
+    for (const char* name : {"zep_Act_SetZepVars=", "/Device/Act_SetZepVars="}) {
+        for (const int depth : {1, 40000}) {
+            std::string form = "zep_Act_SetZepVars=";
+            for (int level = 0; level < depth; ++level) {
+                form += name;
+            }
+            expectTurnedAway("/zep/var", form + "x");
+        }
+    }
+    EXPECT_EQ(get("/zep/hello").status, 200);
+}
+
 TEST_F(Variables, Post_AfterACloningDocument_StillSetsTheDevice) {
     ASSERT_EQ(setUp(example("apcloning.xml"), "?apcloning=1").status, 200);
     awaitScripts();
