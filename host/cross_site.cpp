@@ -1,6 +1,10 @@
 #include "host/cross_site.h"
 
+#include <arpa/inet.h>
 #include <strings.h>
+
+#include <algorithm>
+#include <string>
 
 namespace pendra::host {
 
@@ -18,7 +22,25 @@ std::string_view authorityOf(std::string_view address) {
     return address.substr(0, address.find_first_of("/?#"));
 }
 
+// Endings of names that nobody can register: only the home's own name service answers for them.
+constexpr std::string_view kHomeEndings[] = {".local", ".lan", ".home.arpa", ".internal"};
+
+bool isHomeName(std::string_view name) {
+    return name.find('.') == std::string_view::npos ||
+           std::any_of(std::begin(kHomeEndings), std::end(kHomeEndings), [&](std::string_view ending) {
+               return name.size() > ending.size() &&
+                      equalsIgnoringCase(name.substr(name.size() - ending.size()), ending);
+           });
+}
+
 } // namespace
+
+bool isHomeHost(std::string_view host) {
+    if (host.starts_with('[')) return true; // an IPv6 address
+    const std::string name(host.substr(0, host.find(':')));
+    in_addr address = {};
+    return inet_pton(AF_INET, name.c_str(), &address) == 1 || isHomeName(name);
+}
 
 bool isFromOwnPage(std::string_view host, std::string_view origin, std::string_view referer) {
     const std::string_view sender = origin.empty() ? referer : origin;

@@ -94,6 +94,9 @@ std::optional<Answer> admitRequest(Request& request, std::string_view method, st
                                    size_t declaredLength) {
     request.route = findRoute(method, path);
     if (request.route == nullptr) return noRoute(path);
+    if (!isHomeHost(request.host)) {
+        return textAnswer(MHD_HTTP_MISDIRECTED_REQUEST, "Call the device by its address, or by a name of the home.");
+    }
     if (request.route->method == "POST" && !isFromOwnPage(request.host, request.origin, request.referer)) {
         return textAnswer(MHD_HTTP_FORBIDDEN, "This request comes from a page of another site.");
     }

@@ -46,6 +46,18 @@ TEST_F(Routes, Refusals_LookAtThePathThenTheMethodThenTheAdmission) {
     EXPECT_EQ(admitRequest(request, "PUT", "/zep/stations", 0)->allow, "GET, HEAD, POST");
 }
 
+TEST_F(Routes, NameThatSomebodyElseMayOwn_Is421ForEveryMethod) {
+    admitClient();
+    request.host = "evil.example";
+    request.origin = "http://evil.example";
+    EXPECT_EQ(refusalOf("GET", "/zep/var"), 421u);
+    EXPECT_EQ(refusalOf("POST", "/zep/var"), 421u);
+    EXPECT_EQ(refusalOf("GET", "/zep/hello"), 421u);
+    request.host = "192.168.1.1";
+    request.origin = "http://192.168.1.1";
+    EXPECT_EQ(refusalOf("POST", "/zep/var"), 0u);
+}
+
 TEST_F(Routes, DeclaredLength_IsBounded) {
     EXPECT_EQ(refusalOf("POST", "/zep/setup", kMaxBody + 1), 401u); // who is not admitted learns nothing else
     admitClient();
