@@ -21,14 +21,14 @@ int32_t accessAcRule(const VariableName& name, const Request& request, ZepAccess
     const int index = listIndex(name.part(3), 'R');
     if (index < 0 || index >= access.acRuleCount || index >= ZEP_AC_RULE_MAX) return kRefused;
     int target = index;
-    // A set of Active goes into the rule whose index the value is, 0 or 1, and not into the named one: the pages of the
-    // field set it that way round.
+    // A set of Active goes into the rule whose index the value is, 0 or 1, and not into the named one. That is part of
+    // the interface; the check against the count is on the named one all the same.
     if (request.sets() && std::strcmp(name.part(4), "Active") == 0) {
         char value[ZEPVAR_VALUE_SIZE];
         copyText(value, request.value);
         target = parseInt(value) == 1 ? 1 : 0;
     }
-    // The path answer carries no wireless base: pages put their own before it.
+    // The path answer carries no wireless base; that is part of the interface.
     const NodePath base("/acrule:%d", index + 1);
     return accessVariable({kAcRuleVariables, &access.acRule[target], base}, name.part(4), request);
 }
@@ -50,7 +50,7 @@ int32_t accessSurvey(const VariableName& name, const Request& request) {
     if (name.count() != 4) return kRefused;
     const int index = listIndex(name.part(3), 'S');
     if (index < 0 || readNodeInt("/wirelesssitesurvey/site#") < index + 1) return kRefused;
-    // Two above the index: the first element is the survey's own summary line.
+    // Two above the index, unlike the access rules: this is part of the interface, and so S00 reads element 2.
     const NodePath base("/wirelesssitesurvey/site:%d", index + 2);
     return accessVariable({kSurveySiteVariables, nullptr, base}, name.part(4), request);
 }
@@ -68,7 +68,7 @@ int32_t accessUpLink(const VariableName& name, const Request& request) {
     const SubSection subSections[] = {
         {"Ets", {kExtenderVariables, &upLink.extenderSite, "/uplink/extendersite"}},
         {"Dsl", {kIspVariables, &upLink.dsl, "/uplink/dsl"}},
-        {"Apn", {kIspVariables, &upLink.apn, "/uplink/asp"}}, // spelt so: pages know this path
+        {"Apn", {kIspVariables, &upLink.apn, "/uplink/asp"}}, // spelt so: part of the interface
     };
     for (const SubSection& sub : subSections)
         if (name.count() == 3 && name.begins(2, sub.prefix)) return accessVariable(sub.section, name.part(3), request);

@@ -44,7 +44,7 @@ int32_t refuseUnless(bool valid) {
     return valid ? kDone : kRefused;
 }
 
-// The trace names two of the enumerations shorter than their variables: log readers know them so.
+// The trace names two of the enumerations shorter than their variables.
 const char* traceNameOf(const Variable& variable) {
     if (variable.table == WlanEncrypModeArray) return "EncrypMode";
     if (variable.table == WlanEncrypTypeArray) return "EncrypType";
@@ -176,7 +176,7 @@ int32_t access(const Section& section, const Variable& variable, const Request& 
         }
     }
     if (request.gets()) return get(section, variable, request);
-    // An enumerated value that is only validated answers 2 when it is in its table: pages tell it from 10 by that.
+    // An enumerated value that is only validated answers 2 when it is in its table, 10 when not.
     return variable.kind == Kind::name ? kRefused : kDone;
 }
 
