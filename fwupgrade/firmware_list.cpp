@@ -94,7 +94,6 @@ int32_t matchDevice(char* start, int32_t length) {
 bool readAddress(char* start, int32_t length, const char* tag, char (&address)[128]) {
     const char* base = get_FwServerWebSite();
     const size_t baseLength = std::strlen(base);
-    std::memset(address, 0, sizeof address);
     copyText(address, base);
     if (GetXmlKeyStrValue_(start, length, tag, address + baseLength,
                            static_cast<int32_t>(sizeof address - baseLength)) != 0)
@@ -170,6 +169,8 @@ int32_t do_FwFirmware_Parser(char* start, int32_t length) {
     traceEntry("do_FwFirmware_Parser");
     const int32_t result = matchDevice(start, length);
     if (result != kListMatched) return result;
+    std::memset(fwXmlData.fileUrl, 0, sizeof fwXmlData.fileUrl);
+    std::memset(fwXmlData.notesUrl, 0, sizeof fwXmlData.notesUrl);
     const bool complete = readAddress(start, length, "FwURL", fwXmlData.fileUrl) &&
                           readAddress(start, length, "NotesURL", fwXmlData.notesUrl);
     return complete ? kListMatched : kListMalformed;
