@@ -86,8 +86,8 @@ struct Kind {
     const char* rule;
 };
 
-// The longest texts are those that the library's buffers hold uncut, file name included: what a cut leaves is another
-// file.
+// The longest texts are those that the library's buffers hold uncut with its own file names behind them: what a cut
+// leaves is another file. A download's path has room for 127 characters, directory and image name together.
 constexpr Kind temporaryDirectory{isDirectory, 109,
                                   "takes an absolute directory of at most 109 letters, digits and _.-+,:@%=/"};
 constexpr Kind scriptDirectory{isDirectory, 127,
