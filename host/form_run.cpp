@@ -53,9 +53,20 @@ std::string checkPairs(std::vector<FormPair>& pairs, Actions actions) {
     return {};
 }
 
+bool asksForCommit(const FormPair& pair) {
+    return libraryName(pair.name) == kCommitAction;
+}
+
+bool listsCommit(const FormPair& pair) {
+    if (pair.name != kSetAction) return false;
+    // The library sees so much of the list; what it does not see arms no alarm.
+    const auto inner = splitForm(decodeValue(pair.value).substr(0, ZEPVAR_VALUE_SIZE - 1), '&');
+    return inner && std::any_of(inner->begin(), inner->end(), asksForCommit);
+}
+
 bool commitsByItself(const Form& form) {
     return std::any_of(form.pairs.begin(), form.pairs.end(),
-                       [](const FormPair& pair) { return pair.name == kCommitAction; });
+                       [](const FormPair& pair) { return asksForCommit(pair) || listsCommit(pair); });
 }
 
 // A fault names its place in the document: "Device/Wireless2.4/Channel".

@@ -378,6 +378,15 @@ TEST_F(Variables, CommitActionAlone_RunsTheScriptsAfterTwoSeconds) {
     EXPECT_NE(files.journal().find("friendlyname=\"Attic\""), std::string::npos);
 }
 
+TEST_F(Variables, CommitActionInAList_RunsTheScriptsAfterTwoSecondsOnly) {
+    expectOutcome(send("/zep/var", "zep_DeviceName=Attic&zep_Act_SetZepVars=zep_Act_CommitZepVars%3D1"), 0, "", "", 5);
+    std::this_thread::sleep_for(std::chrono::seconds(1));
+    EXPECT_EQ(files.scriptsRun(), std::vector<std::string>{});
+    std::this_thread::sleep_for(std::chrono::seconds(2));
+    EXPECT_EQ(get("/zep/hello").status, 200);
+    EXPECT_EQ(files.scriptsRun(), std::vector<std::string>{"device_resync.sh"});
+}
+
 TEST_F(Variables, Validate_Pairs_AreJudgedOneByOneAndNothingIsStored) {
     const auto before = files.dump();
     const HttpReply reply = send(
