@@ -72,6 +72,10 @@ RuleEdit readRuleEdit(std::string_view form) {
     if (radio.empty()) return edit;
     edit.wanted = true;
     edit.radio = radio == kRadioNames[0] ? 0 : 1;
+    if (radio != kRadioNames[edit.radio]) {
+        edit.fault = "There is nothing of this kind to be done.";
+        return edit;
+    }
     edit.rules = accessRules(edit.radio);
     edit.field = "mac-" + radio;
     edit.mac = formField(form, edit.field);

@@ -109,6 +109,14 @@ TEST_F(Pages, RuleThatIsNoMoreThere_IsNotRemoved) {
     EXPECT_EQ(files.dump(), before);
 }
 
+TEST_F(Pages, RuleOfARadioThatIsNotThere_IsRefused) {
+    login();
+    const auto before = files.dump();
+    const HttpReply reply = curl({"-d", "radio=Wl6&do=add&mac-Wl6=02:00:00:00:00:09", url("/wireless")});
+    EXPECT_EQ(reply.status, 422);
+    EXPECT_EQ(files.changesSince(before), "");
+}
+
 TEST_F(Pages, PostFromAnotherSite_IsRefused) {
     login();
     const std::string before = files.dump();
