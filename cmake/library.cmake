@@ -70,7 +70,10 @@ add_library(pendra::pendra ALIAS pendra)
 set_target_properties(pendra PROPERTIES LINKER_LANGUAGE C VERSION ${PROJECT_VERSION} SOVERSION 1
   LINK_DEPENDS ${PENDRA_VERSION_SCRIPT})
 target_include_directories(pendra PUBLIC $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include> $<INSTALL_INTERFACE:include>)
-target_link_options(pendra PRIVATE LINKER:--version-script=${PENDRA_VERSION_SCRIPT} LINKER:--gc-sections LINKER:--as-needed)
+# Names such as crc32 or trim may be defined by others in the process. The library's own calls never reach those: they are
+# bound here, and only data stays open, which programs copy into themselves.
+target_link_options(pendra PRIVATE LINKER:--version-script=${PENDRA_VERSION_SCRIPT} LINKER:-Bsymbolic-functions
+  LINKER:--gc-sections LINKER:--as-needed)
 target_link_libraries(pendra PRIVATE pendra_options)
 
 add_library(pendra_static STATIC $<TARGET_OBJECTS:pendra_objects>)
