@@ -314,9 +314,9 @@ int32_t Apply_ZepXmlToDevice() {
     } else if (!applySections(device)) {
         return 0;
     }
-    PENDRA_LOG(kLogInfo, "done,ret=1,Restart:wlan2.4=%d,wlan5=%d,uplink=%d,survey=%d,roaming=%d\n",
-               device.wireless[0].restart, device.wireless[1].restart, device.upLink.restart, device.wlanSurveyRestart,
-               device.roamingRestart);
+    logPrintf(kLogInfo, "done,ret=1,Restart:wlan2.4=%d,wlan5=%d,uplink=%d,survey=%d,roaming=%d\n",
+              device.wireless[0].restart, device.wireless[1].restart, device.upLink.restart, device.wlanSurveyRestart,
+              device.roamingRestart);
     return 1;
 }
 

@@ -61,7 +61,7 @@ void runScript(const char* directory, const char* script) {
 }
 
 void run(const ExternalCall& call, const char* scriptDirectory) {
-    PENDRA_LOG(kLogInfo, call.logLine, "exe_ExternalCall");
+    logPrintf(kLogInfo, call.logLine, "exe_ExternalCall");
     for (const char* script : call.scripts)
         if (script != nullptr) runScript(scriptDirectory, script);
     if (call.action != nullptr) call.action();
@@ -100,7 +100,7 @@ int32_t handOverFirmware() {
     }
     char command[kCommandSize];
     formatText(command, "rm %s", image);
-    PENDRA_LOG(kLogInfo, "command: %s\n", command);
+    logPrintf(kLogInfo, "command: %s\n", command);
     runShell(command);
     return -1;
 }
@@ -133,8 +133,7 @@ void compute_ExeFlag() {
     const uint32_t ids = surveys ? static_cast<uint32_t>(kWlanSiteSurvey) : requestedIds(device);
     zepXmlData.exeflag = static_cast<int32_t>(ids);
     zepXmlData.exeWaitSec = waitFor(ids);
-    eventPrefix(kLogInfo);
-    PENDRA_LOG(kLogInfo, "exeflag=%d, exeWaitSec=%d\n", zepXmlData.exeflag, zepXmlData.exeWaitSec);
+    eventLine(kLogInfo, "exeflag=%d, exeWaitSec=%d\n", zepXmlData.exeflag, zepXmlData.exeWaitSec);
 }
 
 } // namespace pendra
@@ -148,7 +147,7 @@ struct itimerval fwupdtimer = {{0, 0}, {3, 0}};
 int32_t get_ExternalCall_UseSec(uint32_t syncId) {
     for (const ExternalCall& call : kCalls)
         if (call.id == syncId) return call.waitSeconds;
-    PENDRA_LOG(kLogError, "[%s]Unknow sync_id=%d\n", "get_ExternalCall_UseSec", static_cast<int>(syncId));
+    logPrintf(kLogError, "[%s]Unknow sync_id=%d\n", "get_ExternalCall_UseSec", static_cast<int>(syncId));
     return 0;
 }
 
@@ -167,12 +166,12 @@ int32_t exe_ExternalCall(uint32_t syncIds) {
 void alarm_handler_fwupd(int signalNumber) {
     static_cast<void>(signalNumber);
     if (tcapi_commit("System_Entry") != 0) {
-        PENDRA_LOG(kLogInfo, "The firmware is illegal!!\r\n");
+        logPrintf(kLogInfo, "The firmware is illegal!!\r\n");
         return;
     }
-    PENDRA_LOG(kLogInfo,
-               "WARNING:\nIt will take some minutes writing flash.\nDon't reboot modem within 5 minutes.\n"
-               "The modem will reboot itself after finishing writing flash.\r\n");
+    logPrintf(kLogInfo,
+              "WARNING:\nIt will take some minutes writing flash.\nDon't reboot modem within 5 minutes.\n"
+              "The modem will reboot itself after finishing writing flash.\r\n");
 }
 
 } // extern "C"

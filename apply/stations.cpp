@@ -64,8 +64,7 @@ struct StationTable {
 };
 
 bool logFailure(const char* message) {
-    eventPrefix(kLogEvent);
-    PENDRA_LOG(kLogEvent, "%s", message);
+    eventLine(kLogEvent, "%s", message);
     return false;
 }
 
@@ -101,8 +100,7 @@ void publish(const unsigned char* entry, const Radio& radio, const char* interfa
     xset_str(interfaceName, NodePath("%s/ifname", base));
     const int rssi = strongestSignal(entry);
     if (rssi == 0) {
-        eventPrefix(kLogEvent);
-        PENDRA_LOG(kLogEvent, "Get Station %s RSSI failed!\n", text);
+        eventLine(kLogEvent, "Get Station %s RSSI failed!\n", text);
         xset_str("", NodePath("%s/rssi", base));
         return;
     }
@@ -140,8 +138,7 @@ void do_deauthsta(void) {
     if (isEmpty(interfaceName) || isEmpty(mac)) return;
     char command[128];
     formatText(command, "/userfs/bin/iwpriv %s set DisConnectSta=%s", interfaceName, mac);
-    eventPrefix(kLogEvent);
-    PENDRA_LOG(kLogEvent, "Disconnect WLAN station: interface=%s, mac=%s!\n", interfaceName, mac);
+    eventLine(kLogEvent, "Disconnect WLAN station: interface=%s, mac=%s!\n", interfaceName, mac);
     runShell(command);
     xdel("/runtime/easyroaming/deauthsta");
 }

@@ -205,8 +205,7 @@ Verdict checkChannel(ZepWireless& radio) {
 Verdict checkRule(ZepAcRule& rule) {
     if (requireFlag(rule.Active, rule.path, "Active") == Verdict::fault) return Verdict::fault;
     if (!isEmpty(trim(rule.MAC))) return Verdict::goOn;
-    eventPrefix(kLogInfo);
-    PENDRA_LOG(kLogInfo, "Invalid Mac=%s\n", rule.MAC);
+    eventLine(kLogInfo, "Invalid Mac=%s\n", rule.MAC);
     return fail(rule.path, "MAC");
 }
 
@@ -262,8 +261,7 @@ int32_t Verify_ZepXml() {
         firstOf([] { return checkDevice(zepXmlData.device); }, [] { return checkRadios(zepXmlData.device); },
                 [] { return checkSafety(zepXmlData.device.safetyWdn); });
     if (verdict == Verdict::goOn) {
-        tracePrefix("Verify_ZepXml");
-        PENDRA_LOG(kLogTrace, "done, ret=1\n");
+        traceLine("Verify_ZepXml", "done, ret=1\n");
     }
     return verdict == Verdict::fault ? 0 : 1;
 }

@@ -71,10 +71,9 @@ int32_t pendra_auth_check(const char* request, const char* ip, const char* sessi
     readPassword(password);
     const ReceivedKey key = findKey(request);
     if (key.text == nullptr) return -1;
-    PENDRA_LOG(kLogTrace, "match_buff = %s, ip=%s, time=%ld\n", key.text, ip, static_cast<long>(now));
+    logPrintf(kLogTrace, "match_buff = %s, ip=%s, time=%ld\n", key.text, ip, static_cast<long>(now));
     if (!matchesSlotAround(now, key, ip, password)) return -1;
-    eventPrefix(kLogEvent);
-    PENDRA_LOG(kLogEvent, "PendraKey success, logout=%ld\n", static_cast<long>(now + kClientLifetimeSeconds));
+    eventLine(kLogEvent, "PendraKey success, logout=%ld\n", static_cast<long>(now + kClientLifetimeSeconds));
     clientAuthListAdd(&clientauthinfo, ip, kUserName, password, session, 1);
     return 0;
 }

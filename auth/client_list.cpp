@@ -82,9 +82,9 @@ clientAuthEntry** findLinkToDelete(clientAuthEntry** head, const char* ip, const
 
 void logDeletion(int position, const char* ip, const clientAuthEntry& entry, uint32_t mode) {
     if (mode == kByAddress)
-        PENDRA_LOG(kLogTrace, "%d Delete IP %s from list.\n", position, ip);
+        logPrintf(kLogTrace, "%d Delete IP %s from list.\n", position, ip);
     else
-        PENDRA_LOG(kLogTrace, "%d Delete IP %s(%s) from list.\n", position, ip, entry.sessionid);
+        logPrintf(kLogTrace, "%d Delete IP %s(%s) from list.\n", position, ip, entry.sessionid);
 }
 
 } // namespace
@@ -106,7 +106,7 @@ int32_t clientAuthListAdd(clientAuthEntry** head, const char* ip, const char* us
     if (entry == nullptr) return 1; // callers cannot tell this from a new entry
     entry->logout = mode != 0 ? newLogout() : 0;
     append(head, entry);
-    PENDRA_LOG(kLogInfo, "Add new node ip=%s\n", entry->ip);
+    logPrintf(kLogInfo, "Add new node ip=%s\n", entry->ip);
     cur_authinfo = entry;
     printList(head);
     return 1;
@@ -120,7 +120,7 @@ clientAuthEntry* checkClientAuthIp(clientAuthEntry** head, const char* ip, const
 int32_t clientAuthListDel(clientAuthEntry** head, const char* ip, const char* session, uint32_t mode) {
     traceEntry("clientAuthListDel");
     if (head == nullptr || *head == nullptr) {
-        PENDRA_LOG(kLogInfo, "No IP to be deleted.\n");
+        logPrintf(kLogInfo, "No IP to be deleted.\n");
         return 0;
     }
     if (ip == nullptr) {
@@ -137,15 +137,14 @@ int32_t clientAuthListDel(clientAuthEntry** head, const char* ip, const char* se
 }
 
 int32_t printList(clientAuthEntry** head) {
-    tracePrefix("printList");
     if (head == nullptr || *head == nullptr) {
-        PENDRA_LOG(kLogTrace, "Auth list is empty.\n");
+        traceLine("printList", "Auth list is empty.\n");
         return 0;
     }
-    PENDRA_LOG(kLogTrace, "The Auth list is:\n");
+    traceLine("printList", "The Auth list is:\n");
     for (const clientAuthEntry* entry = *head; entry != nullptr; entry = entry->next)
-        PENDRA_LOG(kLogInfo, "ip=%s,username=%s, sessionid=%s-->", entry->ip, entry->username, entry->sessionid);
-    PENDRA_LOG(kLogInfo, "NULL \n\n");
+        logPrintf(kLogInfo, "ip=%s,username=%s, sessionid=%s-->", entry->ip, entry->username, entry->sessionid);
+    logPrintf(kLogInfo, "NULL \n\n");
     return 0;
 }
 
@@ -156,12 +155,12 @@ int32_t check_PendraAuthIP(const char* ip, const char* session) {
     if (entry != nullptr) {
         if (sys_uptime_seconds() < entry->logout) {
             entry->logout = newLogout();
-            PENDRA_LOG(kLogTrace, "Auth Client IP, logout=%ld\n", static_cast<long>(entry->logout));
+            logPrintf(kLogTrace, "Auth Client IP, logout=%ld\n", static_cast<long>(entry->logout));
             return 0;
         }
         clientAuthListDel(&clientauthinfo, ip, session, kByAddress);
     }
-    PENDRA_LOG(kLogTrace, "UnAuth Zep Client IP!\n");
+    logPrintf(kLogTrace, "UnAuth Zep Client IP!\n");
     return -1;
 }
 

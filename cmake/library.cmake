@@ -1,11 +1,13 @@
 # libpendra: one set of sources, a shared library that exports what cmake/pendra.symbols lists, and a static one that
 # shows its internals to the unit tests.
 set(PENDRA_SOURCES
+  common/bounded_text.cpp
   common/form_encoding.cpp
   common/logging.cpp
   common/text.cpp
   common/keywords.cpp
   common/timers.cpp
+  common/trace.cpp
   common/tree_access.cpp
   common/validation_rule.cpp
   common/validators.cpp

@@ -2,42 +2,32 @@
 // capacity - 1 bytes, never more.
 #pragma once
 
-#include <cstdarg>
 #include <cstddef>
 #include <cstdio>
 #include <cstring>
 
 namespace pendra {
 
+// A fixed field with its capacity: what an array becomes at a call, so that one function serves every size.
+struct TextField {
+    template <size_t Capacity>
+    TextField(char (&field)[Capacity]) : text(field), capacity(Capacity) {} // NOLINT(google-explicit-constructor)
+
+    char* text;
+    size_t capacity;
+};
+
 // Copies a text into a buffer of `capacity` bytes; a null source counts as empty.
-inline void copyTextBounded(char* destination, size_t capacity, const char* source) {
-    const size_t length = source == nullptr ? 0 : strnlen(source, capacity - 1);
-    if (length > 0) std::memmove(destination, source, length);
-    destination[length] = '\0';
+void copyTextBounded(char* destination, size_t capacity, const char* source);
+
+inline void copyText(TextField field, const char* source) {
+    copyTextBounded(field.text, field.capacity, source);
 }
 
-template <size_t Capacity>
-void copyText(char (&field)[Capacity], const char* source) {
-    copyTextBounded(field, Capacity, source);
-}
-
-template <size_t Capacity>
-[[gnu::format(printf, 2, 3)]] void formatText(char (&field)[Capacity], const char* format, ...) {
-    va_list arguments;
-    va_start(arguments, format);
-    std::vsnprintf(field, Capacity, format, arguments);
-    va_end(arguments);
-}
+[[gnu::format(printf, 2, 3)]] void formatText(TextField field, const char* format, ...);
 
 // Formats behind the text that the field holds already.
-template <size_t Capacity>
-[[gnu::format(printf, 2, 3)]] void appendText(char (&field)[Capacity], const char* format, ...) {
-    const size_t used = strnlen(field, Capacity - 1);
-    va_list arguments;
-    va_start(arguments, format);
-    std::vsnprintf(field + used, Capacity - used, format, arguments);
-    va_end(arguments);
-}
+[[gnu::format(printf, 2, 3)]] void appendText(TextField field, const char* format, ...);
 
 inline bool isEmpty(const char* text) {
     return text == nullptr || *text == '\0';

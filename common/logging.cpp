@@ -9,6 +9,7 @@
 #include "common/bounded_text.h"
 #include "common/log_state.h"
 #include "common/shell.h"
+#include "common/trace.h"
 #include "common/tree_access.h"
 #include "pendra/common.h"
 
@@ -107,6 +108,15 @@ void emit(ConsolePrinter print, const char* message) {
 
 } // namespace
 
+void logArguments(int32_t level, const char* format, va_list arguments) {
+    if (format == nullptr) return;
+    char message[kMessageSize];
+    message[0] = '\0';
+    std::vsnprintf(message, sizeof message, format, arguments);
+    settleFileName();
+    emit(level == 0 ? msgPrintf : dbgPrintf, message);
+}
+
 } // namespace pendra
 
 using namespace pendra;
@@ -119,14 +129,11 @@ char daemon_log_header[32];
 char daemon_log_path[64];
 
 int32_t logPrintf(int32_t level, const char* format, ...) {
-    if (daemon_log_level < level || format == nullptr) return 0;
-    char message[kMessageSize] = "";
+    if (daemon_log_level < level) return 0;
     va_list arguments;
     va_start(arguments, format);
-    std::vsnprintf(message, sizeof message, format, arguments);
+    logArguments(level, format, arguments);
     va_end(arguments);
-    settleFileName();
-    emit(level == 0 ? msgPrintf : dbgPrintf, message);
     return 0;
 }
 

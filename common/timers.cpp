@@ -31,8 +31,7 @@ zep_timer* timer_list;
 zep_timer* create_timer(uint32_t period, void (*callback)(void*), void* argument, void* argument2, uint32_t flags) {
     auto* timer = static_cast<zep_timer*>(std::calloc(1, sizeof(zep_timer)));
     if (timer == nullptr) {
-        pendra::eventPrefix(pendra::kLogEvent);
-        PENDRA_LOG(pendra::kLogEvent, "create_timer fail !!!\n");
+        pendra::eventLine(pendra::kLogEvent, "create_timer fail !!!\n");
         return nullptr;
     }
     timer->remaining = period;

@@ -1,6 +1,8 @@
-// The log lines that recur all over the library: the entry trace of a function and the prefix of a notable event. The
-// threshold is tested before anything is formatted.
+// The log lines that recur all over the library: the entry trace of a function, a traced line and a notable event. Out
+// of line, so that a call site costs no more than a call; the threshold is tested before anything is formatted.
 #pragma once
+
+#include <cstdarg>
 
 #include "pendra/common.h"
 
@@ -12,31 +14,16 @@ inline bool logs(LogLevel level) {
     return daemon_log_level >= level;
 }
 
-inline long uptimeForLog() {
-    return static_cast<long>(sys_uptime_seconds());
-}
+// logPrintf() with its arguments in a list.
+void logArguments(int32_t level, const char* format, va_list arguments);
 
-// "<uptime>:<function>]", to be followed by the rest of the line.
-inline void tracePrefix(const char* function) {
-    if (logs(kLogTrace)) logPrintf(kLogTrace, "%ld:%s]", uptimeForLog(), function);
-}
+// "<uptime>:<function>]" and the end of the line: the whole entry line of a function.
+void traceEntry(const char* function);
 
-// The whole entry line of a function.
-inline void traceEntry(const char* function) {
-    if (!logs(kLogTrace)) return;
-    tracePrefix(function);
-    logPrintf(kLogTrace, "\n");
-}
+// "<uptime>:<function>]" and the rest of the line, in two messages.
+[[gnu::format(printf, 2, 3)]] void traceLine(const char* function, const char* format, ...);
 
-// "<uptime>:" at a level, to be followed by the rest of the line.
-inline void eventPrefix(LogLevel level) {
-    if (logs(level)) logPrintf(level, "%ld:", uptimeForLog());
-}
+// "<uptime>:" and the rest of the line at a level, in two messages.
+[[gnu::format(printf, 2, 3)]] void eventLine(LogLevel level, const char* format, ...);
 
 } // namespace pendra
-
-// A log line whose arguments are not even evaluated below the threshold.
-#define PENDRA_LOG(level, ...)                                    \
-    do {                                                          \
-        if (::pendra::logs(level)) logPrintf(level, __VA_ARGS__); \
-    } while (false)

@@ -10,12 +10,7 @@ namespace pendra {
 // A path of the tree, put together once and used like a text.
 class NodePath {
   public:
-    [[gnu::format(printf, 2, 3)]] explicit NodePath(const char* format, ...) {
-        va_list arguments;
-        va_start(arguments, format);
-        std::vsnprintf(text_, sizeof text_, format, arguments);
-        va_end(arguments);
-    }
+    [[gnu::format(printf, 2, 3)]] explicit NodePath(const char* format, ...);
     operator const char*() const { return text_; } // NOLINT(google-explicit-constructor): it is a path text
 
   private:
@@ -25,19 +20,13 @@ class NodePath {
 // The text of the node at a path, cut to `capacity` bytes with its NUL; "" when the node is absent.
 void readNodeBounded(char* destination, size_t capacity, const char* path);
 
-template <size_t Capacity>
-void readNode(char (&field)[Capacity], const char* path) {
-    readNodeBounded(field, Capacity, path);
+inline void readNode(TextField field, const char* path) {
+    readNodeBounded(field.text, field.capacity, path);
 }
 
-inline int readNodeInt(const char* path) {
-    return xget_int("%s", path);
-}
+int readNodeInt(const char* path);
 
 // Several settings have a value of their own for a node that is absent.
-inline int readNodeInt(const char* path, int whenAbsent) {
-    const int value = readNodeInt(path);
-    return value < 0 ? whenAbsent : value;
-}
+int readNodeInt(const char* path, int whenAbsent);
 
 } // namespace pendra

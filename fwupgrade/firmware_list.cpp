@@ -28,7 +28,7 @@ void copyEntry(char (&pattern)[Capacity], const char* start, int32_t length) {
 }
 
 int32_t matchPattern(const char* value, const char* pattern) {
-    PENDRA_LOG(kLogTrace, "Match '%s' with '%s'\n", pattern, value);
+    logPrintf(kLogTrace, "Match '%s' with '%s'\n", pattern, value);
     return strWildcardCmp(value, pattern) == 0 ? kListMatched : kListNoMatch;
 }
 
@@ -50,7 +50,7 @@ int32_t matchMacRange(char* start, int32_t length) {
     char last[sizeof fwXmlData.deviceMac] = "";
     if (GetXmlKeyStrValue_(start, length, "Start", first, sizeof first) == 0) return kListMalformed;
     if (GetXmlKeyStrValue_(start, length, "End", last, sizeof last) == 0) return kListMalformed;
-    PENDRA_LOG(kLogTrace, "Match '%s'~'%s' with '%s'\n", first, last, fwXmlData.deviceMac);
+    logPrintf(kLogTrace, "Match '%s'~'%s' with '%s'\n", first, last, fwXmlData.deviceMac);
     const bool inside =
         strWildcardCmp(fwXmlData.deviceMac, first) >= 0 && strWildcardCmp(fwXmlData.deviceMac, last) <= 0;
     return inside ? kListMatched : kListNoMatch;
@@ -98,7 +98,7 @@ bool readAddress(char* start, int32_t length, const char* tag, char (&address)[1
     if (GetXmlKeyStrValue_(start, length, tag, address + baseLength,
                            static_cast<int32_t>(sizeof address - baseLength)) != 0)
         return true;
-    PENDRA_LOG(kLogInfo, "%s not found\n", tag);
+    logPrintf(kLogInfo, "%s not found\n", tag);
     return false;
 }
 
@@ -107,7 +107,7 @@ bool runsAlready(const char* address) {
     const char* slash = std::strrchr(address, '/');
     const char* name = slash == nullptr ? address : slash + 1;
     const size_t length = std::strcspn(name, "?");
-    PENDRA_LOG(kLogTrace, "Final Match '%s'(%d) with '%s'\n", name, static_cast<int>(length), fwXmlData.currFwFileName);
+    logPrintf(kLogTrace, "Final Match '%s'(%d) with '%s'\n", name, static_cast<int>(length), fwXmlData.currFwFileName);
     return std::strncmp(fwXmlData.currFwFileName, name, length) == 0;
 }
 
@@ -134,15 +134,15 @@ int32_t do_FwRoot_Parser(char* document) {
     ZepSpecVersion& version = fwXmlData.specVersion;
     if (do_XmlSpecVersion_Parser("", root, length, &version, "specVersion") == 0) return kListMalformed;
     if (version.version != kListVersion) {
-        PENDRA_LOG(kLogInfo, "wrong specVersion %d.%d\n", version.major, version.minor);
+        logPrintf(kLogInfo, "wrong specVersion %d.%d\n", version.major, version.minor);
         return kListMalformed;
     }
     const int32_t result = do_FwEntryList_Parser(root, length, kFirmwareList);
     if (result == kListMalformed) {
-        PENDRA_LOG(kLogInfo, "check FirmwareList fail\n");
+        logPrintf(kLogInfo, "check FirmwareList fail\n");
         return result;
     }
-    PENDRA_LOG(kLogTrace, "done, ret=%d\n", result);
+    logPrintf(kLogTrace, "done, ret=%d\n", result);
     return result;
 }
 
@@ -191,8 +191,7 @@ const char* get_FwServerWebSite(void) {
 int32_t do_FwXml_Parser(char* document, char* fileUrl, char* notesUrl) {
     int32_t result = kListMalformed;
     if (document != nullptr) {
-        PENDRA_LOG(kLogInfo, "---- Received FW XML Data Begin ----\n%s\n---- Received FW XML Data End ----\n",
-                   document);
+        logPrintf(kLogInfo, "---- Received FW XML Data Begin ----\n%s\n---- Received FW XML Data End ----\n", document);
         XmlErrMsg_LostKey = nullptr; // misses of a list document are nobody's result document
         readNode(fwXmlData.deviceMac, "/fwupgradeinfo/devicemac");
         readNode(fwXmlData.currFwFileName, "/fwupgradeinfo/currfwfilename");
@@ -200,7 +199,7 @@ int32_t do_FwXml_Parser(char* document, char* fileUrl, char* notesUrl) {
     }
     tell(fileUrl, fwXmlData.fileUrl, result);
     tell(notesUrl, fwXmlData.notesUrl, result);
-    PENDRA_LOG(kLogTrace, "done, ret=%d\n", result);
+    logPrintf(kLogTrace, "done, ret=%d\n", result);
     return result;
 }
 

@@ -82,7 +82,7 @@ void sendToBackground(char (&command)[kCommandSize]) {
 
 void runTraced(const char* command) {
     runShell(command);
-    PENDRA_LOG(kLogTrace, "cmd=%s\n", command);
+    logPrintf(kLogTrace, "cmd=%s\n", command);
 }
 
 // The first characters of the command without its quotes: the process list shows the command's words so.
@@ -96,7 +96,7 @@ void rememberDownload(const char* command) {
 // ---- actions ----
 
 void startOver(uint32_t) {
-    PENDRA_LOG(kLogTrace, "===FWUPGRADE_ACT_INIT===\n");
+    logPrintf(kLogTrace, "===FWUPGRADE_ACT_INIT===\n");
     char image[kKeywordTextSize];
     readImageName(image);
     const char* const directory = zepXmlData.tmpPath;
@@ -138,7 +138,7 @@ void fetchList(char (&listFile)[128]) {
 }
 
 void search(uint32_t) {
-    PENDRA_LOG(kLogTrace, "===FWUPGRADE_ACT_SEARCH===\n");
+    logPrintf(kLogTrace, "===FWUPGRADE_ACT_SEARCH===\n");
     char listFile[128];
     fetchList(listFile);
     char document[kReadSize];
@@ -152,7 +152,7 @@ void search(uint32_t) {
 }
 
 void download(uint32_t) {
-    PENDRA_LOG(kLogTrace, "===FWUPGRADE_ACT_DOWNLOAD===\n");
+    logPrintf(kLogTrace, "===FWUPGRADE_ACT_DOWNLOAD===\n");
     char target[128];
     char address[128];
     char pattern[kCommandSize];
@@ -175,7 +175,7 @@ bool hasEnded(const char* processes, const char* download) {
 }
 
 void poll(uint32_t) {
-    PENDRA_LOG(kLogTrace, "===FWUPGRADE_BINGETTING===\n");
+    logPrintf(kLogTrace, "===FWUPGRADE_BINGETTING===\n");
     char listFile[128];
     char command[kCommandSize];
     setPath(listFile, kProcessFile);
@@ -185,12 +185,12 @@ void poll(uint32_t) {
     if (!readFile(listFile, processes)) return;
     char searched[sizeof fwXmlData.downloadKey + 1];
     formatText(searched, " %s", fwXmlData.downloadKey);
-    PENDRA_LOG(kLogTrace, "==BGN=='%s'\n%s\n==END==\n", searched, processes);
+    logPrintf(kLogTrace, "==BGN=='%s'\n%s\n==END==\n", searched, processes);
     if (hasEnded(processes, searched)) fwXmlData.status = kDownloaded;
 }
 
 void upgrade(uint32_t) {
-    PENDRA_LOG(kLogTrace, "===FWUPGRADE_ACT_UPGRADE===\n");
+    logPrintf(kLogTrace, "===FWUPGRADE_ACT_UPGRADE===\n");
     if (exe_ExternalCall(kFwUpgrade) != 0) {
         fwXmlData.status = kUpgradeFailed;
         return;
@@ -206,12 +206,12 @@ void reportOnly(uint32_t) {}
 // The status stays. "-3" closes the document, so that the report that follows starts it anew.
 void refuse(uint32_t action) {
     const int character = static_cast<int>(action);
-    PENDRA_LOG(kLogTrace, "===FWUPGRADE_ACT_UNKNOW===,act='%c',%d\n", character, character);
+    logPrintf(kLogTrace, "===FWUPGRADE_ACT_UNKNOW===,act='%c',%d\n", character, character);
     char text[32];
     formatText(text, "Status=%d, Act=%c", fwXmlData.status, character);
     write_TmpXmlFile(kStatusFile, "erractmsg", text, 0);
     write_TmpXmlFile(kStatusFile, "result", "-3", 1);
-    PENDRA_LOG(kLogTrace, "zepcheckfw.xml wrong act=%c\n", character);
+    logPrintf(kLogTrace, "zepcheckfw.xml wrong act=%c\n", character);
 }
 
 // ---- the state machine: the first rule that fits a call is carried out ----
@@ -290,7 +290,7 @@ void report() {
     char status[16];
     formatText(status, "%d", fwXmlData.status);
     write_TmpXmlFile(kStatusFile, "result", status, 1);
-    PENDRA_LOG(kLogTrace, "zepcheckfw.xml done\n");
+    logPrintf(kLogTrace, "zepcheckfw.xml done\n");
 }
 
 } // namespace

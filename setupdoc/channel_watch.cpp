@@ -20,8 +20,7 @@ bool channelChanged(int radio) {
     int32_t& remembered = runState.rememberedChannel[radio];
     if (remembered == kUnknown || configured > 0) remembered = configured;
     if (remembered == inUse) return false;
-    tracePrefix("checkWlanChannelUsing");
-    PENDRA_LOG(kLogTrace, "Wlan_%s Channel:%d ChannelUsing:%d->%d\n", name, configured, remembered, inUse);
+    traceLine("checkWlanChannelUsing", "Wlan_%s Channel:%d ChannelUsing:%d->%d\n", name, configured, remembered, inUse);
     const bool changed = remembered >= 0;
     remembered = inUse;
     return changed;

@@ -14,12 +14,11 @@ int32_t takeRequests() {
     const int32_t requests = zepXmlData.exeflag;
     if (requests == 0 && zepXmlData.pre_exeflag != 0) {
         const int32_t previous = zepXmlData.pre_exeflag;
-        PENDRA_LOG(kLogTrace, "Use pre_exeflag, pre_exeflag=%d, exeflag=%d\n", previous, requests);
+        logPrintf(kLogTrace, "Use pre_exeflag, pre_exeflag=%d, exeflag=%d\n", previous, requests);
         zepXmlData.pre_exeflag = 0;
         return previous;
     }
-    tracePrefix("do_ZepXml_Commit");
-    PENDRA_LOG(kLogTrace, "exeflag=%d\n", requests);
+    traceLine("do_ZepXml_Commit", "exeflag=%d\n", requests);
     return requests;
 }
 
@@ -33,9 +32,8 @@ int32_t do_ZepXml_Commit(void) {
     traceEntry("do_ZepXml_Commit");
     const int32_t requests = takeRequests();
     if (requests == 0) return 0;
-    if (exe_ExternalCall(static_cast<uint32_t>(requests)) != 0) PENDRA_LOG(kLogError, "exe_ExternalCall was fail!");
-    tracePrefix("do_ZepXml_Commit");
-    PENDRA_LOG(kLogTrace, "done\n");
+    if (exe_ExternalCall(static_cast<uint32_t>(requests)) != 0) logPrintf(kLogError, "exe_ExternalCall was fail!");
+    traceLine("do_ZepXml_Commit", "done\n");
     return 1;
 }
 

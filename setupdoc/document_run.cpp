@@ -21,8 +21,8 @@ namespace {
 bool hasDeviceVersion(const ZepSpecVersion& document) {
     const ZepSpecVersion& device = zepXmlData.specVersion;
     if (document.version == device.version) return true;
-    PENDRA_LOG(kLogError, "Wrong Spec Version! Device=%d.%d, XML=%d.%d\n", device.major, device.minor, document.major,
-               document.minor);
+    logPrintf(kLogError, "Wrong Spec Version! Device=%d.%d, XML=%d.%d\n", device.major, device.minor, document.major,
+              document.minor);
     write_ZepXml_ResultXml(kResultWrongVersion, "", 0);
     return false;
 }
@@ -81,11 +81,11 @@ int32_t do_ZepXml_Parser_for_ApCloning(char* document) {
 int32_t do_ZepXml_Parser_(char* document) {
     if (document == nullptr) return 0;
     traceEntry("do_ZepXml_Parser_");
-    PENDRA_LOG(kLogInfo, "---- Received Zep XML Data Begin ----\n%s\n---- Received Zep XML Data End ----\n", document);
+    logPrintf(kLogInfo, "---- Received Zep XML Data Begin ----\n%s\n---- Received Zep XML Data End ----\n", document);
     XmlErrMsg_LostKey = reportMissingElement;
     const int32_t result = parseAndApply(document);
     dumpRecord();
-    PENDRA_LOG(kLogTrace, "done, ret=%d\n", result);
+    logPrintf(kLogTrace, "done, ret=%d\n", result);
     return result;
 }
 

@@ -51,7 +51,7 @@ extern "C" void write_ZepXml_ResultXml(int32_t code, const char* message, int32_
     copyText(zepXmlData.setMsg, message);
     char file[128];
     formatText(file, "%s/%s", zepXmlData.tmpPath, "zepset_result.xml");
-    PENDRA_LOG(kLogEvent, "Zep SetResult=%d, SetMsg='%s', GetWaitSec=%d\n", code, message, waitSeconds);
+    logPrintf(kLogEvent, "Zep SetResult=%d, SetMsg='%s', GetWaitSec=%d\n", code, message, waitSeconds);
     runLine("echo '<?xml version=\"1.0\" ?>' > %s", file);
     runLine("echo '<root>' >> %s", file);
     runLine("echo ' <ZepSetResult>%d</ZepSetResult>' >> %s", code, file);

@@ -30,8 +30,7 @@ Block cutOut(const char* parentPath, char* start, int32_t length, const char* el
 }
 
 void traceParser(const char* parser, const char* parentPath) {
-    tracePrefix(parser);
-    PENDRA_LOG(kLogTrace, "%s\n", parentPath == nullptr ? "" : parentPath);
+    traceLine(parser, "%s\n", parentPath == nullptr ? "" : parentPath);
 }
 
 // The client asks to leave the section as it is. The answer is kept in the section, so that verification and
@@ -58,7 +57,7 @@ template <size_t Capacity>
 bool readName(const Block& block, const char* tag, char (&field)[Capacity], const char* const* table, int32_t& row) {
     if (!readText(block, tag, field)) return false;
     row = SearchKeyArray(trim(field), table);
-    PENDRA_LOG(kLogTrace, "Zep %s='%s' -> %d\n", tag, field, row);
+    logPrintf(kLogTrace, "Zep %s='%s' -> %d\n", tag, field, row);
     return true;
 }
 
@@ -90,7 +89,7 @@ int32_t parseHardware(const Block& block, ZepUpLink& upLink) {
 bool parseExtenderOfDevice(const Block& block, ZepDevice& device) {
     if (!isFirstGeneration()) return true;
     if (!readInt(block, "ExtenderEnbl", device.ExtenderEnbl)) return false;
-    PENDRA_LOG(kLogTrace, "Zep ExtenderEnbl=%d\n", device.ExtenderEnbl);
+    logPrintf(kLogTrace, "Zep ExtenderEnbl=%d\n", device.ExtenderEnbl);
     return !isEthernetExtender() || do_ZepExtender_Parser(block.path, block.start, block.length,
                                                           &device.upLink.extenderSite, "ExtenderSite") == 1;
 }
@@ -99,7 +98,7 @@ bool parseDeviceAndUpLink(const Block& block, ZepDevice& device) {
     if (!readText(block, "DeviceName", device.DeviceName)) return false;
     if (!readText(block, "DevicePwd", device.DevicePwd)) return false;
     if (!readInt(block, "RouterEnbl", device.RouterEnbl)) return false;
-    PENDRA_LOG(kLogTrace, "Zep RouterEnbl=%d\n", device.RouterEnbl);
+    logPrintf(kLogTrace, "Zep RouterEnbl=%d\n", device.RouterEnbl);
     if (do_ZepUpLink_Parser(block.path, block.start, block.length, &device.upLink, "UpLinkConnection") == 0)
         return false;
     return parseExtenderOfDevice(block, device);
@@ -148,7 +147,7 @@ bool readRadio(const Block& block, ZepWireless& radio) {
 
 int32_t storeRuleCount(ZepAccessControl& access, int32_t count) {
     access.acRuleCount = count;
-    PENDRA_LOG(kLogTrace, "WlAcRuleNo=%d\n", count);
+    logPrintf(kLogTrace, "WlAcRuleNo=%d\n", count);
     return 1;
 }
 

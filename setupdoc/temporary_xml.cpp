@@ -18,8 +18,7 @@ int32_t write_TmpXmlFile(const char* fileName, const char* element, const char* 
     appendText(command, "<%s>%s</%s>%s' %s %s/%s", element, value, element, closeFile != 0 ? "</root>" : "",
                starts ? ">" : ">>", zepXmlData.tmpPath, fileName);
     runState.startNewFile = closeFile != 0;
-    tracePrefix("write_TmpXmlFile");
-    PENDRA_LOG(kLogTrace, "%s\n", command);
+    traceLine("write_TmpXmlFile", "%s\n", command);
     return runShell(command);
 }
 

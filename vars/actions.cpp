@@ -33,7 +33,7 @@ int32_t failed(const Request& request) {
 int32_t surveySites(const Request& request) {
     request.answer("");
     if (zepXmlData.device.upLink.hardwareTypeIdx != kWwan80211) return kRefused;
-    PENDRA_LOG(kLogTrace, "Trigger Site Survey ...\n");
+    logPrintf(kLogTrace, "Trigger Site Survey ...\n");
     requestSiteSurvey();
     exe_ExternalCall(kWlanSiteSurvey);
     return kDone;

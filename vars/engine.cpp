@@ -64,7 +64,7 @@ extern "C" int32_t setget_ZepVar(const char* name, char* value, uint32_t flags) 
     if (*name == '/') {
         const char* variable = cvtZep_XmlPathVsVarName(name, 0);
         if (variable == nullptr) return kRefused;
-        PENDRA_LOG(kLogTrace, "zepVar='%s'\n", variable);
+        logPrintf(kLogTrace, "zepVar='%s'\n", variable);
         copyText(converted, variable);
         name = converted;
     }

@@ -134,8 +134,7 @@ void verifyAndApply(bool apply) {
 }
 
 void traceCall(const char* function, const char* name, const char* value, int32_t code) {
-    tracePrefix(function);
-    PENDRA_LOG(kLogTrace, "'%s'='%.127s', ret=%d\n", name == nullptr ? "" : name, value == nullptr ? "" : value, code);
+    traceLine(function, "'%s'='%.127s', ret=%d\n", name == nullptr ? "" : name, value == nullptr ? "" : value, code);
 }
 
 } // namespace
@@ -175,19 +174,16 @@ char* getZepVar(const char* name) {
 }
 
 int32_t validate_ZepVar(const char* name, char* value) {
-    tracePrefix("validate_ZepVar");
-    PENDRA_LOG(kLogTrace, "'%s'='%.127s'\n", name == nullptr ? "" : name, value == nullptr ? "" : value);
+    traceLine("validate_ZepVar", "'%s'='%.127s'\n", name == nullptr ? "" : name, value == nullptr ? "" : value);
     const int32_t code = setget_ZepVar(name, value, ZEPVAR_VALIDATE);
-    tracePrefix("validate_ZepVar");
-    PENDRA_LOG(kLogTrace, "ret=%d\n", code);
+    traceLine("validate_ZepVar", "ret=%d\n", code);
     return code;
 }
 
 int32_t validate_ZepVar2(char* pair) {
     const char* equals = pair == nullptr ? nullptr : std::strchr(pair, '=');
     if (equals == nullptr) {
-        tracePrefix("validate_ZepVar2");
-        PENDRA_LOG(kLogTrace, "Invalid data='%s'\n", pair == nullptr ? "" : pair);
+        traceLine("validate_ZepVar2", "Invalid data='%s'\n", pair == nullptr ? "" : pair);
         return kMalformed;
     }
     if (static_cast<size_t>(equals - pair) >= kNameSize) return kMalformed;
@@ -203,13 +199,13 @@ int32_t validate_ZepVar2(char* pair) {
 int32_t do_ZepVar_Parser(const char* text, char separator, char* errorText, int32_t apply) {
     if (text == nullptr) text = "";
     traceEntry("do_ZepVar_Parser");
-    PENDRA_LOG(kLogInfo, "---- Received Zep Var Data Begin ----\n%s\n---- Received Zep Var Data End ----\n", text);
+    logPrintf(kLogInfo, "---- Received Zep Var Data Begin ----\n%s\n---- Received Zep Var Data End ----\n", text);
     const int32_t code = setPairs(text, separator, errorText);
     if (code != kDone) return code;
     XmlErrMsg_LostKey = reportMissingElement;
     verifyAndApply(apply != 0);
     dumpRecord();
-    PENDRA_LOG(kLogTrace, "done, ret=%d\n", zepXmlData.setResult);
+    logPrintf(kLogTrace, "done, ret=%d\n", zepXmlData.setResult);
     tell(errorText, zepXmlData.setMsg);
     return zepXmlData.setResult;
 }

@@ -53,7 +53,7 @@ const char* traceNameOf(const Variable& variable) {
 
 int32_t checkName(const Variable& variable, GivenValue& given) {
     given.row = SearchKeyArray(given.text, variable.table);
-    PENDRA_LOG(kLogTrace, "Zep %s='%s' -> %d\n", traceNameOf(variable), given.text, given.row);
+    logPrintf(kLogTrace, "Zep %s='%s' -> %d\n", traceNameOf(variable), given.text, given.row);
     return given.row < 0 ? kNotInTable : kDone;
 }
 

@@ -22,41 +22,32 @@ TEST_F(Trace, EntryOfAFunction_IsOneLineOfTwoCalls) {
     EXPECT_EQ((Calls{"DL> 1234:clientAuthListAdd]", "\n"}), device().consoleCalls);
 }
 
-TEST_F(Trace, PrefixOfAFunction_AwaitsTheRestOfItsLine) {
+TEST_F(Trace, LineOfAFunction_FollowsItsPrefix) {
     daemon_log_level = 7;
-    pendra::tracePrefix("printList");
-    PENDRA_LOG(pendra::kLogTrace, "The Auth list is:\n");
-    EXPECT_EQ("1234: 1234:printList]The Auth list is:\n", logText());
+    pendra::traceLine("printList", "The Auth list has %d:\n", 2);
+    EXPECT_EQ("1234: 1234:printList]The Auth list has 2:\n", logText());
+    EXPECT_EQ((Calls{"DL> 1234:printList]", "The Auth list has 2:\n"}), device().consoleCalls);
 }
 
-TEST_F(Trace, EntryBelowTheThreshold_WritesNothing) {
+TEST_F(Trace, LinesBelowTheThreshold_WriteNothing) {
     daemon_log_level = 6;
     pendra::traceEntry("clientAuthListAdd");
-    pendra::tracePrefix("printList");
+    pendra::traceLine("printList", "The Auth list is:\n");
     EXPECT_EQ("", logText());
     EXPECT_TRUE(device().consoleCalls.empty());
 }
 
 TEST_F(Trace, Event_IsTheUptimeAndItsText) {
-    pendra::eventPrefix(pendra::kLogEvent);
-    PENDRA_LOG(pendra::kLogEvent, "key accepted\n");
-    EXPECT_EQ("1234: 1234:key accepted\n", logText());
-    EXPECT_EQ((Calls{"DL> 1234:", "key accepted\n"}), device().consoleCalls);
+    pendra::eventLine(pendra::kLogEvent, "key of %s accepted\n", "10.0.0.2");
+    EXPECT_EQ("1234: 1234:key of 10.0.0.2 accepted\n", logText());
+    EXPECT_EQ((Calls{"DL> 1234:", "key of 10.0.0.2 accepted\n"}), device().consoleCalls);
 }
 
 TEST_F(Trace, EventBelowTheThreshold_WritesNothing) {
     daemon_log_level = 4;
-    pendra::eventPrefix(pendra::kLogEvent);
+    pendra::eventLine(pendra::kLogEvent, "key accepted\n");
     EXPECT_EQ("", logText());
-}
-
-TEST_F(Trace, ArgumentsOfALine_AreEvaluatedOnlyWhenItPasses) {
-    int evaluations = 0;
-    PENDRA_LOG(pendra::kLogInfo, "%d\n", ++evaluations);
-    EXPECT_EQ(0, evaluations);
-    PENDRA_LOG(pendra::kLogEvent, "%d\n", ++evaluations);
-    EXPECT_EQ(1, evaluations);
-    EXPECT_EQ("1234: 1\n", logText());
+    EXPECT_TRUE(device().consoleCalls.empty());
 }
 
 } // namespace
