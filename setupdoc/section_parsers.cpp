@@ -1,6 +1,8 @@
 #include "setupdoc/section_parsers.h"
 
+#include <cstddef>
 #include <cstring>
+#include <span>
 
 #include "common/bounded_text.h"
 #include "common/trace.h"
@@ -18,19 +20,17 @@ struct Block {
     explicit operator bool() const { return start != nullptr; }
 };
 
-// Cuts out an element's block and stores its path in the section, whose field may be shorter than a block path.
-template <size_t Capacity>
-Block cutOut(const char* parentPath, char* start, int32_t length, const char* element, char (&path)[Capacity]) {
+// Traces the parser, cuts out its element's block and stores the path in the section, whose field may be shorter than a
+// block path.
+Block openBlock(const char* parser, const char* parentPath, char* start, int32_t length, const char* element,
+                TextField path) {
+    traceLine(parser, "%s\n", parentPath == nullptr ? "" : parentPath);
     char blockPath[128];
     Block block;
     block.start = prepareXmlBlockData(parentPath, start, length, element, blockPath, &block.length);
     if (block) copyText(path, blockPath);
-    block.path = path;
+    block.path = path.text;
     return block;
-}
-
-void traceParser(const char* parser, const char* parentPath) {
-    traceLine(parser, "%s\n", parentPath == nullptr ? "" : parentPath);
 }
 
 // The client asks to leave the section as it is. The answer is kept in the section, so that verification and
@@ -43,32 +43,147 @@ bool readInt(const Block& block, const char* tag, int32_t& field) {
     return GetXmlKeyIntValue(block.start, block.length, block.path, tag, &field) == 1;
 }
 
-bool readCut(const Block& block, const char* tag, char* field, int32_t capacity) {
-    return GetXmlKeyStrValue(block.start, block.length, block.path, tag, field, capacity) == 1;
+enum class Kind : uint8_t {
+    text,
+    name, // a text of a name table, with its row beside it
+    number,
+    tracedNumber,
+};
+
+// Which generation of clients sends the leaf.
+enum class Sent : uint8_t { always, byFirst, byLater };
+
+// One leaf of an element and the field of the section that it fills.
+struct Leaf {
+    const char* tag;
+    uint16_t offset;
+    uint16_t capacity;
+    Kind kind;
+    Sent sent = Sent::always;
+    uint16_t rowOffset = 0;
+    const char* const* table = nullptr;
+};
+
+#define NUMBER(Section, field) \
+    { #field, offsetof(Section, field), sizeof(Section::field), Kind::number }
+#define TRACED_NUMBER(Section, field) \
+    { #field, offsetof(Section, field), sizeof(Section::field), Kind::tracedNumber }
+#define TEXT(Section, field) \
+    { #field, offsetof(Section, field), sizeof(Section::field), Kind::text }
+#define NAME(Section, field, rowField, table, sent) \
+    { #field, offsetof(Section, field), sizeof(Section::field), Kind::name, sent, offsetof(Section, rowField), table }
+// A text that has always been cut shorter than its field.
+#define CUT_TEXT(Section, field, capacity) \
+    { #field, offsetof(Section, field), capacity, Kind::text }
+
+constexpr Leaf kDeviceLeaves[] = {
+    TEXT(ZepDevice, DeviceName),
+    TEXT(ZepDevice, DevicePwd),
+    TRACED_NUMBER(ZepDevice, RouterEnbl),
+};
+
+constexpr Leaf kExtenderEnblLeaf[] = {TRACED_NUMBER(ZepDevice, ExtenderEnbl)};
+
+constexpr Leaf kRoamingLeaf[] = {TEXT(ZepDevice, EasyRoaming)};
+
+constexpr Leaf kUpLinkLeaves[] = {
+    NAME(ZepUpLink, HardwareType, hardwareTypeIdx, HardwareTypeArray, Sent::always),
+    NAME(ZepUpLink, ConnType, connTypeIdx, ConnTypeArray, Sent::always),
+    {"MTU", offsetof(ZepUpLink, MTU), sizeof(ZepUpLink::MTU), Kind::number, Sent::byFirst},
+};
+
+constexpr Leaf kLoginLeaves[] = {
+    TEXT(ZepUpLink, LoginUserName),
+    TEXT(ZepUpLink, LoginPassword),
+};
+
+constexpr Leaf kStaticLeaves[] = {
+    TEXT(ZepUpLink, IP),
+    TEXT(ZepUpLink, NetMask),
+    TEXT(ZepUpLink, Gateway),
+    TEXT(ZepUpLink, DNS),
+};
+
+constexpr Leaf kIspLeaves[] = {
+    TEXT(ZepIsp, CountryName),
+    TEXT(ZepIsp, IspName),
+};
+
+constexpr Leaf kDslLineLeaves[] = {
+    NUMBER(ZepIsp, VPI),
+    NUMBER(ZepIsp, VCI),
+    NAME(ZepIsp, EncapsulationMode, encapModeIdx, ADslEncapModeArray, Sent::always),
+};
+
+constexpr Leaf kExtenderLeaves[] = {
+    NUMBER(ZepExtenderSite, Survey),
+    TEXT(ZepExtenderSite, ConnRefSiteBSSID),
+    NAME(ZepExtenderSite, WirelessType, wirelessTypeIdx, WirelessTypeArray, Sent::always),
+    CUT_TEXT(ZepExtenderSite, WirelessName, 18),
+    CUT_TEXT(ZepExtenderSite, EncryptionKey, 18),
+};
+
+constexpr Leaf kRadioLeaves[] = {
+    NUMBER(ZepWireless, WlEnbl),
+    NUMBER(ZepWireless, WlSchedule),
+    {"WirelessBSSID", offsetof(ZepWireless, WirelessBSSID), sizeof(ZepWireless::WirelessBSSID), Kind::text,
+     Sent::byLater},
+    TEXT(ZepWireless, WirelessName),
+    NAME(ZepWireless, EncryptionMode, encrypModeIdx, WlanEncrypModeArray, Sent::always),
+    CUT_TEXT(ZepWireless, EncryptionKey, 32),
+    NAME(ZepWireless, EncryptionType, encrypTypeIdx, WlanEncrypTypeArray, Sent::byLater),
+    {"Channel", offsetof(ZepWireless, Channel), sizeof(ZepWireless::Channel), Kind::text, Sent::byLater},
+};
+
+constexpr Leaf kRuleLeaves[] = {
+    NUMBER(ZepAcRule, Active),
+    TEXT(ZepAcRule, MAC),
+};
+
+constexpr Leaf kSafetyLeaves[] = {
+    NUMBER(ZepSafetyWdn, SafetyWdnEnbl),
+    NUMBER(ZepSafetyWdn, UrlDetectEnbl),
+    NUMBER(ZepSafetyWdn, SafetyNotifyEnbl),
+    NUMBER(ZepSafetyWdn, ToolRecommendEnbl),
+};
+
+bool isSent(const Leaf& leaf) {
+    return leaf.sent == Sent::always || (leaf.sent == Sent::byFirst) == isFirstGeneration();
 }
 
-template <size_t Capacity>
-bool readText(const Block& block, const char* tag, char (&field)[Capacity]) {
-    return readCut(block, tag, field, Capacity);
+// The record keeps a name table's spelling and the row, -1 for a text that is in no row.
+void settleName(const Leaf& leaf, char* section) {
+    char* text = section + leaf.offset;
+    const int32_t row = SearchKeyArray(trim(text), leaf.table);
+    std::memcpy(section + leaf.rowOffset, &row, sizeof row);
+    logPrintf(kLogTrace, "Zep %s='%s' -> %d\n", leaf.tag, text, row);
 }
 
-// A text of a name table: the record keeps the table's spelling and the row, -1 for a text that is in no row.
-template <size_t Capacity>
-bool readName(const Block& block, const char* tag, char (&field)[Capacity], const char* const* table, int32_t& row) {
-    if (!readText(block, tag, field)) return false;
-    row = SearchKeyArray(trim(field), table);
-    logPrintf(kLogTrace, "Zep %s='%s' -> %d\n", tag, field, row);
+bool readNumber(const Block& block, const Leaf& leaf, char* section) {
+    auto& field = *reinterpret_cast<int32_t*>(section + leaf.offset);
+    if (!readInt(block, leaf.tag, field)) return false;
+    if (leaf.kind == Kind::tracedNumber) logPrintf(kLogTrace, "Zep %s=%d\n", leaf.tag, field);
+    return true;
+}
+
+bool readLeaf(const Block& block, const Leaf& leaf, char* section) {
+    if (leaf.kind == Kind::number || leaf.kind == Kind::tracedNumber) return readNumber(block, leaf, section);
+    char* text = section + leaf.offset;
+    if (GetXmlKeyStrValue(block.start, block.length, block.path, leaf.tag, text, leaf.capacity) == 0) return false;
+    if (leaf.kind == Kind::name) settleName(leaf, section);
+    return true;
+}
+
+// In the order of the table, up to the first required leaf that is missing.
+bool readLeaves(const Block& block, std::span<const Leaf> leaves, void* section) {
+    for (const Leaf& leaf : leaves)
+        if (isSent(leaf) && !readLeaf(block, leaf, static_cast<char*>(section))) return false;
     return true;
 }
 
 bool readConnection(const Block& block, ZepUpLink& upLink) {
-    if (usesLogin(upLink))
-        return readText(block, "LoginUserName", upLink.LoginUserName) &&
-               readText(block, "LoginPassword", upLink.LoginPassword);
-    if (upLink.connTypeIdx == kStatic)
-        return readText(block, "IP", upLink.IP) && readText(block, "NetMask", upLink.NetMask) &&
-               readText(block, "Gateway", upLink.Gateway) && readText(block, "DNS", upLink.DNS);
-    return true;
+    if (usesLogin(upLink)) return readLeaves(block, kLoginLeaves, &upLink);
+    return upLink.connTypeIdx != kStatic || readLeaves(block, kStaticLeaves, &upLink);
 }
 
 int32_t parseHardware(const Block& block, ZepUpLink& upLink) {
@@ -88,17 +203,13 @@ int32_t parseHardware(const Block& block, ZepUpLink& upLink) {
 
 bool parseExtenderOfDevice(const Block& block, ZepDevice& device) {
     if (!isFirstGeneration()) return true;
-    if (!readInt(block, "ExtenderEnbl", device.ExtenderEnbl)) return false;
-    logPrintf(kLogTrace, "Zep ExtenderEnbl=%d\n", device.ExtenderEnbl);
+    if (!readLeaves(block, kExtenderEnblLeaf, &device)) return false;
     return !isEthernetExtender() || do_ZepExtender_Parser(block.path, block.start, block.length,
                                                           &device.upLink.extenderSite, "ExtenderSite") == 1;
 }
 
 bool parseDeviceAndUpLink(const Block& block, ZepDevice& device) {
-    if (!readText(block, "DeviceName", device.DeviceName)) return false;
-    if (!readText(block, "DevicePwd", device.DevicePwd)) return false;
-    if (!readInt(block, "RouterEnbl", device.RouterEnbl)) return false;
-    logPrintf(kLogTrace, "Zep RouterEnbl=%d\n", device.RouterEnbl);
+    if (!readLeaves(block, kDeviceLeaves, &device)) return false;
     if (do_ZepUpLink_Parser(block.path, block.start, block.length, &device.upLink, "UpLinkConnection") == 0)
         return false;
     return parseExtenderOfDevice(block, device);
@@ -107,7 +218,7 @@ bool parseDeviceAndUpLink(const Block& block, ZepDevice& device) {
 // An access-point cloning document need not have it; the field is then left empty.
 bool readRoaming(const Block& block, ZepDevice& device) {
     if (isFirstGeneration() || zepXmlData.easyRoamingFeature == 0) return true;
-    if (!isApCloning()) return readText(block, "EasyRoaming", device.EasyRoaming);
+    if (!isApCloning()) return readLeaves(block, kRoamingLeaf, &device);
     GetXmlKeyStrValue_(block.start, block.length, "EasyRoaming", device.EasyRoaming, sizeof device.EasyRoaming);
     return true;
 }
@@ -126,23 +237,6 @@ bool parseRadios(const Block& block, ZepDevice& device) {
 bool parseSafety(const Block& block, ZepDevice& device) {
     return zepXmlData.safetyWdnFeature == 0 ||
            do_ZepSafetyWdn_Parser(block.path, block.start, block.length, &device.safetyWdn, "SafetyWdn") == 1;
-}
-
-// Only clients of later versions know these.
-bool readLaterRadioLeaves(const Block& block, ZepWireless& radio) {
-    return readName(block, "EncryptionType", radio.EncryptionType, WlanEncrypTypeArray, radio.encrypTypeIdx) &&
-           readText(block, "Channel", radio.Channel) &&
-           do_ZepAccessCtl_Parser(block.path, block.start, block.length, &radio.accessControl, "AccessControl") == 1;
-}
-
-bool readRadio(const Block& block, ZepWireless& radio) {
-    constexpr int32_t kKeyCapacity = 32; // shorter than its field: posted keys have always been cut here
-    return readInt(block, "WlEnbl", radio.WlEnbl) && readInt(block, "WlSchedule", radio.WlSchedule) &&
-           (isFirstGeneration() || readText(block, "WirelessBSSID", radio.WirelessBSSID)) &&
-           readText(block, "WirelessName", radio.WirelessName) &&
-           readName(block, "EncryptionMode", radio.EncryptionMode, WlanEncrypModeArray, radio.encrypModeIdx) &&
-           readCut(block, "EncryptionKey", radio.EncryptionKey, kKeyCapacity) &&
-           (isFirstGeneration() || readLaterRadioLeaves(block, radio));
 }
 
 int32_t storeRuleCount(ZepAccessControl& access, int32_t count) {
@@ -175,8 +269,7 @@ int32_t parseRules(const Block& block, ZepAccessControl& access) {
 int32_t do_ZepDevice_Parser(const char* parentPath, char* start, int32_t length, ZepDevice* device,
                             const char* element) {
     if (device->Configurable == 0) return 1;
-    traceParser("do_ZepDevice_Parser", parentPath);
-    const Block block = cutOut(parentPath, start, length, element, device->path);
+    const Block block = openBlock("do_ZepDevice_Parser", parentPath, start, length, element, device->path);
     if (!block) return 0;
     if (!isApCloning()) {
         if (isClosedByDocument(block, device->Configurable)) return 1;
@@ -188,84 +281,59 @@ int32_t do_ZepDevice_Parser(const char* parentPath, char* start, int32_t length,
 int32_t do_ZepUpLink_Parser(const char* parentPath, char* start, int32_t length, ZepUpLink* upLink,
                             const char* element) {
     if (upLink->Configurable == 0) return 1;
-    traceParser("do_ZepUpLink_Parser", parentPath);
-    const Block block = cutOut(parentPath, start, length, element, upLink->path);
+    const Block block = openBlock("do_ZepUpLink_Parser", parentPath, start, length, element, upLink->path);
     if (!block) return 0;
     if (isClosedByDocument(block, upLink->Configurable)) return 1;
-    if (!readName(block, "HardwareType", upLink->HardwareType, HardwareTypeArray, upLink->hardwareTypeIdx)) return 0;
-    if (!readName(block, "ConnType", upLink->ConnType, ConnTypeArray, upLink->connTypeIdx)) return 0;
-    if (isFirstGeneration() && !readInt(block, "MTU", upLink->MTU)) return 0;
-    if (!readConnection(block, *upLink)) return 0;
+    if (!readLeaves(block, kUpLinkLeaves, upLink) || !readConnection(block, *upLink)) return 0;
     return parseHardware(block, *upLink);
 }
 
 int32_t do_ZepISP_Parser(const char* parentPath, char* start, int32_t length, ZepIsp* isp, const char* element) {
-    traceParser("do_ZepISP_Parser", parentPath);
-    const Block block = cutOut(parentPath, start, length, element, isp->path);
+    const Block block = openBlock("do_ZepISP_Parser", parentPath, start, length, element, isp->path);
     if (!block) return 0;
-    if (!isFirstGeneration())
-        return readText(block, "CountryName", isp->CountryName) && readText(block, "IspName", isp->IspName) ? 1 : 0;
+    if (!isFirstGeneration()) return readLeaves(block, kIspLeaves, isp) ? 1 : 0;
     if (zepXmlData.device.upLink.hardwareTypeIdx != kDsl) return 1;
-    return readInt(block, "VPI", isp->VPI) && readInt(block, "VCI", isp->VCI) &&
-                   readName(block, "EncapsulationMode", isp->EncapsulationMode, ADslEncapModeArray, isp->encapModeIdx)
-               ? 1
-               : 0;
+    return readLeaves(block, kDslLineLeaves, isp) ? 1 : 0;
 }
 
 int32_t do_ZepExtender_Parser(const char* parentPath, char* start, int32_t length, ZepExtenderSite* site,
                               const char* element) {
-    constexpr int32_t kCapacity = 18; // shorter than the fields: posted texts have always been cut here
-    traceParser("do_ZepExtender_Parser", parentPath);
-    const Block block = cutOut(parentPath, start, length, element, site->path);
-    if (!block) return 0;
-    return readInt(block, "Survey", site->Survey) && readText(block, "ConnRefSiteBSSID", site->ConnRefSiteBSSID) &&
-                   readName(block, "WirelessType", site->WirelessType, WirelessTypeArray, site->wirelessTypeIdx) &&
-                   readCut(block, "WirelessName", site->WirelessName, kCapacity) &&
-                   readCut(block, "EncryptionKey", site->EncryptionKey, kCapacity)
-               ? 1
-               : 0;
+    const Block block = openBlock("do_ZepExtender_Parser", parentPath, start, length, element, site->path);
+    return block && readLeaves(block, kExtenderLeaves, site) ? 1 : 0;
 }
 
 int32_t do_ZepWireless_Parser(const char* parentPath, char* start, int32_t length, ZepWireless* radio,
                               const char* element) {
+    ZepAccessControl& access = radio->accessControl;
     if (radio->Configurable == 0) {
-        formatText(radio->accessControl.path, "%s/%s", radio->path, "AccessControl");
+        formatText(access.path, "%s/%s", radio->path, "AccessControl");
         return 1;
     }
-    traceParser("do_ZepWireless_Parser", parentPath);
-    const Block block = cutOut(parentPath, start, length, element, radio->path);
+    const Block block = openBlock("do_ZepWireless_Parser", parentPath, start, length, element, radio->path);
     if (!block) return 0;
     if (isClosedByDocument(block, radio->Configurable)) return 1;
-    return readRadio(block, *radio) ? 1 : 0;
+    if (!readLeaves(block, kRadioLeaves, radio)) return 0;
+    if (isFirstGeneration()) return 1;
+    return do_ZepAccessCtl_Parser(block.path, block.start, block.length, &access, "AccessControl");
 }
 
 int32_t do_ZepAccessCtl_Parser(const char* parentPath, char* start, int32_t length, ZepAccessControl* access,
                                const char* element) {
-    traceParser("do_ZepAccessCtl_Parser", parentPath);
-    const Block block = cutOut(parentPath, start, length, element, access->path);
+    const Block block = openBlock("do_ZepAccessCtl_Parser", parentPath, start, length, element, access->path);
     if (!block || !readInt(block, "WlAcEnbl", access->WlAcEnbl)) return 0;
     if (access->WlAcEnbl != 1) return storeRuleCount(*access, 0);
     return readInt(block, "WlAcMode", access->WlAcMode) ? parseRules(block, *access) : 0;
 }
 
 int32_t do_ZepAcRule_Parser(const char* parentPath, char* start, int32_t length, ZepAcRule* rule, const char* element) {
-    traceParser("do_ZepAcRule_Parser", parentPath);
-    const Block block = cutOut(parentPath, start, length, element, rule->path);
-    if (!block) return 0;
-    return readInt(block, "Active", rule->Active) && readText(block, "MAC", rule->MAC) ? 1 : 0;
+    const Block block = openBlock("do_ZepAcRule_Parser", parentPath, start, length, element, rule->path);
+    return block && readLeaves(block, kRuleLeaves, rule) ? 1 : 0;
 }
 
 int32_t do_ZepSafetyWdn_Parser(const char* parentPath, char* start, int32_t length, ZepSafetyWdn* safety,
                                const char* element) {
-    traceParser("do_ZepSafetyWdn_Parser", parentPath);
-    const Block block = cutOut(parentPath, start, length, element, safety->path);
-    if (!block) return 0;
-    return readInt(block, "SafetyWdnEnbl", safety->SafetyWdnEnbl) &&
-                   readInt(block, "UrlDetectEnbl", safety->UrlDetectEnbl) &&
-                   readInt(block, "SafetyNotifyEnbl", safety->SafetyNotifyEnbl) &&
-                   readInt(block, "ToolRecommendEnbl", safety->ToolRecommendEnbl)
-               ? 1
-               : 0;
+    const Block block = openBlock("do_ZepSafetyWdn_Parser", parentPath, start, length, element, safety->path);
+    return block && readLeaves(block, kSafetyLeaves, safety) ? 1 : 0;
 }
 
 } // namespace pendra
