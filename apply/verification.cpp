@@ -1,5 +1,8 @@
 #include "apply/verification.h"
 
+#include <cstddef>
+#include <span>
+
 #include "apply/channel_list.h"
 #include "common/bounded_text.h"
 #include "common/trace.h"
@@ -24,16 +27,29 @@ Verdict require(bool valid, const char* path, const char* tag) {
     return valid ? Verdict::goOn : fail(path, tag);
 }
 
-// The first check that does not let the document go on decides.
-template <typename... Checks>
-Verdict firstOf(const Checks&... checks) {
-    Verdict verdict = Verdict::goOn;
-    const auto run = [&verdict](const auto& check) {
-        if (verdict == Verdict::goOn) verdict = check();
-    };
-    (run(checks), ...);
-    return verdict;
-}
+enum class Test : uint8_t {
+    rule,    // the validation rule of the record's field at `other`
+    text,    // not empty
+    address, // an IP address
+    netmask,
+    range, // a number from 0 to `limit`
+};
+
+// What one field of a section must be.
+struct Check {
+    const char* tag;
+    uint16_t offset;
+    Test test;
+    uint8_t limit = 0;
+    uint16_t other = 0;
+};
+
+#define RULE(Section, field) \
+    { #field, offsetof(Section, field), Test::rule, 0, offsetof(Section, field##Rule) }
+#define TEXT(Section, field) \
+    { #field, offsetof(Section, field), Test::text }
+#define RANGE(Section, field, limit) \
+    { #field, offsetof(Section, field), Test::range, limit }
 
 // A fault under a rule is reported with the rule's own code.
 Verdict requireRule(char* field, const char* rule, const char* path, const char* tag) {
@@ -43,12 +59,30 @@ Verdict requireRule(char* field, const char* rule, const char* path, const char*
     return Verdict::fault;
 }
 
-Verdict requireText(char* field, const char* path, const char* tag) {
-    return require(!isEmpty(trim(field)), path, tag);
+bool passes(const Check& check, char* field) {
+    switch (check.test) {
+        case Test::text:
+            return !isEmpty(trim(field));
+        case Test::address:
+            return is_Valid_IP(trim(field)) == 1;
+        case Test::netmask:
+            return is_Valid_Netmask(trim(field)) == 1;
+        default:
+            return is_in_range(*reinterpret_cast<const int32_t*>(field), 0, check.limit) == 1;
+    }
 }
 
-Verdict requireFlag(int32_t value, const char* path, const char* tag) {
-    return require(is_in_range(value, 0, 1) == 1, path, tag);
+// In the order of the table; the first field that fails decides.
+Verdict checkFields(void* section, const char* path, std::span<const Check> checks) {
+    Verdict verdict = Verdict::goOn;
+    for (const Check& check : checks) {
+        char* field = static_cast<char*>(section) + check.offset;
+        verdict = check.test == Test::rule
+                      ? requireRule(field, static_cast<const char*>(section) + check.other, path, check.tag)
+                      : require(passes(check, field), path, check.tag);
+        if (verdict != Verdict::goOn) break;
+    }
+    return verdict;
 }
 
 bool isWepKey(const char* key) {
@@ -57,34 +91,40 @@ bool isWepKey(const char* key) {
 
 // ---- uplink ----
 
-Verdict checkLogin(ZepUpLink& upLink) {
-    return firstOf(
-        [&] { return requireRule(upLink.LoginUserName, upLink.LoginUserNameRule, upLink.path, "LoginUserName"); },
-        [&] { return requireRule(upLink.LoginPassword, upLink.LoginPasswordRule, upLink.path, "LoginPassword"); });
-}
+constexpr Check kLoginChecks[] = {
+    RULE(ZepUpLink, LoginUserName),
+    RULE(ZepUpLink, LoginPassword),
+};
 
-Verdict checkDns(ZepUpLink& upLink) {
-    if (!isEmpty(trim(upLink.DNS))) return require(is_Valid_IP(upLink.DNS) == 1, upLink.path, "DNS");
+constexpr Check kStaticChecks[] = {
+    {"IP", offsetof(ZepUpLink, IP), Test::address},
+    {"NetMask", offsetof(ZepUpLink, NetMask), Test::netmask},
+    {"Gateway", offsetof(ZepUpLink, Gateway), Test::address},
+};
+
+constexpr Check kDnsCheck[] = {{"DNS", offsetof(ZepUpLink, DNS), Test::address}};
+
+constexpr Check kIspChecks[] = {
+    TEXT(ZepIsp, CountryName),
+    TEXT(ZepIsp, IspName),
+};
+
+constexpr Check kSurveyCheck[] = {RANGE(ZepExtenderSite, Survey, 1)};
+
+constexpr Check kSiteChecks[] = {TEXT(ZepExtenderSite, ConnRefSiteBSSID)};
+
+Verdict checkStaticAddress(ZepUpLink& upLink) {
+    const Verdict verdict = checkFields(&upLink, upLink.path, kStaticChecks);
+    if (verdict != Verdict::goOn) return verdict;
+    if (!isEmpty(trim(upLink.DNS))) return checkFields(&upLink, upLink.path, kDnsCheck);
     copyText(upLink.DNS, "8.8.8.8");
     return Verdict::goOn;
 }
 
-Verdict checkStaticAddress(ZepUpLink& upLink) {
-    return firstOf([&] { return require(is_Valid_IP(trim(upLink.IP)) == 1, upLink.path, "IP"); },
-                   [&] { return require(is_Valid_Netmask(trim(upLink.NetMask)) == 1, upLink.path, "NetMask"); },
-                   [&] { return require(is_Valid_IP(trim(upLink.Gateway)) == 1, upLink.path, "Gateway"); },
-                   [&] { return checkDns(upLink); });
-}
-
 Verdict checkConnection(ZepUpLink& upLink) {
     if (upLink.connTypeIdx < 0) return fail(upLink.path, "ConnType");
-    if (usesLogin(upLink)) return checkLogin(upLink);
+    if (usesLogin(upLink)) return checkFields(&upLink, upLink.path, kLoginChecks);
     return upLink.connTypeIdx == kStatic ? checkStaticAddress(upLink) : Verdict::goOn;
-}
-
-Verdict checkIsp(ZepIsp& isp) {
-    return firstOf([&] { return requireText(isp.CountryName, isp.path, "CountryName"); },
-                   [&] { return requireText(isp.IspName, isp.path, "IspName"); });
 }
 
 Verdict checkSiteKey(ZepExtenderSite& site, const char* rule) {
@@ -94,13 +134,14 @@ Verdict checkSiteKey(ZepExtenderSite& site, const char* rule) {
 }
 
 Verdict checkExtenderSite(ZepExtenderSite& site) {
-    if (requireFlag(site.Survey, site.path, "Survey") == Verdict::fault) return Verdict::fault;
+    if (checkFields(&site, site.path, kSurveyCheck) == Verdict::fault) return Verdict::fault;
     if (site.Survey == 1) return Verdict::accepted; // a survey applies nothing, so nothing else matters
-    if (requireText(site.ConnRefSiteBSSID, site.path, "ConnRefSiteBSSID") == Verdict::fault) return Verdict::fault;
+    if (checkFields(&site, site.path, kSiteChecks) == Verdict::fault) return Verdict::fault;
     if (site.wirelessTypeIdx < 0) return fail(site.path, "WirelessType");
     const ZepWireless& band = zepXmlData.device.wireless[site.wirelessTypeIdx];
-    return firstOf([&] { return requireRule(site.WirelessName, band.WirelessNameRule, site.path, "WirelessName"); },
-                   [&] { return checkSiteKey(site, band.EncryptionKeyRule); });
+    if (requireRule(site.WirelessName, band.WirelessNameRule, site.path, "WirelessName") == Verdict::fault)
+        return Verdict::fault;
+    return checkSiteKey(site, band.EncryptionKeyRule);
 }
 
 // Both upper limits look at the hardware and not at the connection type. In this branch the hardware is always "DSL",
@@ -114,16 +155,17 @@ Verdict checkMtu(const ZepUpLink& upLink) {
 // A wrong encapsulation is reported under the encryption's tag: that message is the interface.
 Verdict checkDslLine(const ZepUpLink& upLink) {
     const ZepIsp& dsl = upLink.dsl;
-    return firstOf([&] { return checkMtu(upLink); },
-                   [&] { return require(is_in_range(dsl.VPI, 0, 8) == 1, dsl.path, "VPI"); },
-                   [&] { return require(is_in_range(dsl.VCI, 32, 32767) == 1, dsl.path, "VCI"); },
-                   [&] { return require(dsl.encapModeIdx >= 0, dsl.path, "EncryptionMode"); });
+    Verdict verdict = checkMtu(upLink);
+    if (verdict == Verdict::goOn) verdict = require(is_in_range(dsl.VPI, 0, 8) == 1, dsl.path, "VPI");
+    if (verdict == Verdict::goOn) verdict = require(is_in_range(dsl.VCI, 32, 32767) == 1, dsl.path, "VCI");
+    if (verdict == Verdict::goOn) verdict = require(dsl.encapModeIdx >= 0, dsl.path, "EncryptionMode");
+    return verdict;
 }
 
 Verdict checkHardware(ZepUpLink& upLink) {
     const int32_t kind = upLink.hardwareTypeIdx;
-    if (kind == kAdsl || kind == kVdsl) return checkIsp(upLink.dsl);
-    if (kind == kWwanApn) return checkIsp(upLink.apn);
+    if (kind == kAdsl || kind == kVdsl) return checkFields(&upLink.dsl, upLink.dsl.path, kIspChecks);
+    if (kind == kWwanApn) return checkFields(&upLink.apn, upLink.apn.path, kIspChecks);
     if (usesExtenderSite()) return checkExtenderSite(upLink.extenderSite);
     if (kind == kDsl && isFirstGeneration()) return checkDslLine(upLink);
     return Verdict::goOn;
@@ -137,61 +179,50 @@ Verdict checkHardwareType(ZepUpLink& upLink) {
 
 Verdict checkUpLink(ZepUpLink& upLink) {
     if (upLink.Configurable == 0) return Verdict::goOn;
-    return firstOf([&] { return checkHardwareType(upLink); }, [&] { return checkConnection(upLink); },
-                   [&] { return checkHardware(upLink); });
+    Verdict verdict = checkHardwareType(upLink);
+    if (verdict == Verdict::goOn) verdict = checkConnection(upLink);
+    if (verdict == Verdict::goOn) verdict = checkHardware(upLink);
+    return verdict;
 }
+
+constexpr Check kDeviceChecks[] = {
+    RULE(ZepDevice, DeviceName),
+    RULE(ZepDevice, DevicePwd),
+};
 
 Verdict checkDevice(ZepDevice& device) {
     if (isApCloning()) return Verdict::goOn;
     // A device section that is left alone leaves the radios and the safety section alone too.
     if (device.Configurable == 0) return Verdict::accepted;
-    return firstOf([&] { return requireRule(device.DeviceName, device.DeviceNameRule, device.path, "DeviceName"); },
-                   [&] { return requireRule(device.DevicePwd, device.DevicePwdRule, device.path, "DevicePwd"); },
-                   [&] { return checkUpLink(device.upLink); });
+    const Verdict verdict = checkFields(&device, device.path, kDeviceChecks);
+    return verdict == Verdict::goOn ? checkUpLink(device.upLink) : verdict;
 }
 
 // ---- radios ----
 
+bool usesWpa(int32_t mode) {
+    return is_in_range(mode, kWpa, kWpa2) == 1; // with both at once between them
+}
+
 bool typeFitsMode(const ZepWireless& radio) {
     const int32_t type = radio.encrypTypeIdx;
     if (type == kAuto) return true;
-    switch (radio.encrypModeIdx) {
-        case kWpa:
-        case kWpaWpa2:
-        case kWpa2:
-            return type == kTkip || type == kAes;
-        case kWep:
-            return type == kOpen || type == kShared;
-        default:
-            return type == kNoType;
-    }
+    if (usesWpa(radio.encrypModeIdx)) return type == kTkip || type == kAes;
+    if (radio.encrypModeIdx == kWep) return type == kOpen || type == kShared;
+    return type == kNoType;
 }
 
-bool keyFitsMode(const ZepWireless& radio) {
-    switch (radio.encrypModeIdx) {
-        case kWpa:
-        case kWpaWpa2:
-        case kWpa2:
-            return is_Valid_WpaPskKey(radio.EncryptionKey) == 1;
-        case kWep:
-            return isWepKey(radio.EncryptionKey);
-        default:
-            return true;
-    }
-}
-
-Verdict checkSwitches(ZepWireless& radio) {
-    return firstOf([&] { return require(is_in_range(radio.WlEnbl, 0, 3) == 1, radio.path, "WlEnbl"); },
-                   [&] { return require(is_in_range(radio.WlSchedule, 0, 2) == 1, radio.path, "WlSchedule"); });
+bool keyFitsMode(int32_t mode, const char* key) {
+    if (usesWpa(mode)) return is_Valid_WpaPskKey(key) == 1;
+    return mode != kWep || isWepKey(key);
 }
 
 Verdict checkEncryption(ZepWireless& radio) {
-    trim(radio.EncryptionKey);
-    return firstOf(
-        [&] { return require(radio.encrypModeIdx >= 0, radio.path, "EncryptionMode"); },
-        [&] { return require(isFirstGeneration() || typeFitsMode(radio), radio.path, "EncryptionType"); },
-        [&] { return require(keyFitsMode(radio), radio.path, "EncryptionKey"); },
-        [&] { return requireRule(radio.EncryptionKey, radio.EncryptionKeyRule, radio.path, "EncryptionKey"); });
+    const char* const key = trim(radio.EncryptionKey);
+    if (radio.encrypModeIdx < 0) return fail(radio.path, "EncryptionMode");
+    if (!isFirstGeneration() && !typeFitsMode(radio)) return fail(radio.path, "EncryptionType");
+    if (!keyFitsMode(radio.encrypModeIdx, key)) return fail(radio.path, "EncryptionKey");
+    return requireRule(radio.EncryptionKey, radio.EncryptionKeyRule, radio.path, "EncryptionKey");
 }
 
 // The other router's channel may be one that this radio does not have: a cloned radio then chooses its own.
@@ -202,36 +233,45 @@ Verdict checkChannel(ZepWireless& radio) {
     return Verdict::goOn;
 }
 
+constexpr Check kRuleCheck[] = {RANGE(ZepAcRule, Active, 1)};
+
 Verdict checkRule(ZepAcRule& rule) {
-    if (requireFlag(rule.Active, rule.path, "Active") == Verdict::fault) return Verdict::fault;
+    if (checkFields(&rule, rule.path, kRuleCheck) == Verdict::fault) return Verdict::fault;
     if (!isEmpty(trim(rule.MAC))) return Verdict::goOn;
     eventLine(kLogInfo, "Invalid Mac=%s\n", rule.MAC);
     return fail(rule.path, "MAC");
 }
 
+constexpr Check kAccessModeCheck[] = {RANGE(ZepAccessControl, WlAcMode, 1)};
+
 Verdict checkAccessControl(ZepAccessControl& access) {
     // The message names the radio's enable tag and not WlAcEnbl: that message is the interface.
     if (is_in_range(access.WlAcEnbl, 0, 2) == 0) return fail(access.path, "WlEnbl");
     if (access.WlAcEnbl != 1) return Verdict::goOn;
-    Verdict verdict = requireFlag(access.WlAcMode, access.path, "WlAcMode");
+    Verdict verdict = checkFields(&access, access.path, kAccessModeCheck);
     for (int32_t index = 0; verdict == Verdict::goOn && index < rulesInUse(access); index++)
         verdict = checkRule(access.acRule[index]);
     return verdict;
 }
 
-Verdict checkLaterRadioValues(ZepWireless& radio) {
-    if (isFirstGeneration()) return Verdict::goOn;
-    return firstOf([&] { return checkChannel(radio); }, [&] { return checkAccessControl(radio.accessControl); });
-}
+constexpr Check kSwitchChecks[] = {
+    RANGE(ZepWireless, WlEnbl, 3),
+    RANGE(ZepWireless, WlSchedule, 2),
+};
+
+constexpr Check kBssidCheck[] = {TEXT(ZepWireless, WirelessBSSID)};
+
+constexpr Check kNetworkCheck[] = {RULE(ZepWireless, WirelessName)};
 
 Verdict checkRadio(ZepWireless& radio) {
-    return firstOf([&] { return checkSwitches(radio); },
-                   [&] {
-                       return isFirstGeneration() ? Verdict::goOn
-                                                  : requireText(radio.WirelessBSSID, radio.path, "WirelessBSSID");
-                   },
-                   [&] { return requireRule(radio.WirelessName, radio.WirelessNameRule, radio.path, "WirelessName"); },
-                   [&] { return checkEncryption(radio); }, [&] { return checkLaterRadioValues(radio); });
+    const bool later = !isFirstGeneration();
+    Verdict verdict = checkFields(&radio, radio.path, kSwitchChecks);
+    if (verdict == Verdict::goOn && later) verdict = checkFields(&radio, radio.path, kBssidCheck);
+    if (verdict == Verdict::goOn) verdict = checkFields(&radio, radio.path, kNetworkCheck);
+    if (verdict == Verdict::goOn) verdict = checkEncryption(radio);
+    if (verdict == Verdict::goOn && later) verdict = checkChannel(radio);
+    if (verdict == Verdict::goOn && later) verdict = checkAccessControl(radio.accessControl);
+    return verdict;
 }
 
 Verdict checkRadios(ZepDevice& device) {
@@ -245,21 +285,26 @@ Verdict checkRadios(ZepDevice& device) {
 
 // ---- safety ----
 
-Verdict checkSafety(const ZepSafetyWdn& safety) {
+constexpr Check kSafetyChecks[] = {
+    RANGE(ZepSafetyWdn, SafetyWdnEnbl, 1),
+    RANGE(ZepSafetyWdn, UrlDetectEnbl, 1),
+    RANGE(ZepSafetyWdn, SafetyNotifyEnbl, 1),
+    RANGE(ZepSafetyWdn, ToolRecommendEnbl, 1),
+};
+
+Verdict checkSafety(ZepSafetyWdn& safety) {
     if (zepXmlData.safetyWdnFeature == 0 || isApCloning()) return Verdict::goOn;
-    return firstOf([&] { return requireFlag(safety.SafetyWdnEnbl, safety.path, "SafetyWdnEnbl"); },
-                   [&] { return requireFlag(safety.UrlDetectEnbl, safety.path, "UrlDetectEnbl"); },
-                   [&] { return requireFlag(safety.SafetyNotifyEnbl, safety.path, "SafetyNotifyEnbl"); },
-                   [&] { return requireFlag(safety.ToolRecommendEnbl, safety.path, "ToolRecommendEnbl"); });
+    return checkFields(&safety, safety.path, kSafetyChecks);
 }
 
 } // namespace
 
 int32_t Verify_ZepXml() {
     traceEntry("Verify_ZepXml");
-    const Verdict verdict =
-        firstOf([] { return checkDevice(zepXmlData.device); }, [] { return checkRadios(zepXmlData.device); },
-                [] { return checkSafety(zepXmlData.device.safetyWdn); });
+    ZepDevice& device = zepXmlData.device;
+    Verdict verdict = checkDevice(device);
+    if (verdict == Verdict::goOn) verdict = checkRadios(device);
+    if (verdict == Verdict::goOn) verdict = checkSafety(device.safetyWdn);
     if (verdict == Verdict::goOn) {
         traceLine("Verify_ZepXml", "done, ret=1\n");
     }
