@@ -1,0 +1,7 @@
+#include <zlib.h>
+
+#include "direct.h"
+
+void (*directCrc32(void))(void) {
+    return (void (*)(void))crc32;
+}
