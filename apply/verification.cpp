@@ -1,7 +1,6 @@
 #include "apply/verification.h"
 
 #include <cstddef>
-#include <span>
 
 #include "apply/channel_list.h"
 #include "common/bounded_text.h"
@@ -73,16 +72,19 @@ bool passes(const Check& check, char* field) {
 }
 
 // In the order of the table; the first field that fails decides.
-Verdict checkFields(void* section, const char* path, std::span<const Check> checks) {
+Verdict checkRows(char* section, const char* path, const Check* check, size_t count) {
     Verdict verdict = Verdict::goOn;
-    for (const Check& check : checks) {
-        char* field = static_cast<char*>(section) + check.offset;
-        verdict = check.test == Test::rule
-                      ? requireRule(field, static_cast<const char*>(section) + check.other, path, check.tag)
-                      : require(passes(check, field), path, check.tag);
-        if (verdict != Verdict::goOn) break;
+    for (; verdict == Verdict::goOn && count > 0; check++, count--) {
+        char* field = section + check->offset;
+        verdict = check->test == Test::rule ? requireRule(field, section + check->other, path, check->tag)
+                                            : require(passes(*check, field), path, check->tag);
     }
     return verdict;
+}
+
+template <typename Section, size_t Count>
+Verdict checkFields(Section& section, const Check (&checks)[Count]) {
+    return checkRows(reinterpret_cast<char*>(&section), section.path, checks, Count);
 }
 
 bool isWepKey(const char* key) {
@@ -114,16 +116,16 @@ constexpr Check kSurveyCheck[] = {RANGE(ZepExtenderSite, Survey, 1)};
 constexpr Check kSiteChecks[] = {TEXT(ZepExtenderSite, ConnRefSiteBSSID)};
 
 Verdict checkStaticAddress(ZepUpLink& upLink) {
-    const Verdict verdict = checkFields(&upLink, upLink.path, kStaticChecks);
+    const Verdict verdict = checkFields(upLink, kStaticChecks);
     if (verdict != Verdict::goOn) return verdict;
-    if (!isEmpty(trim(upLink.DNS))) return checkFields(&upLink, upLink.path, kDnsCheck);
+    if (!isEmpty(trim(upLink.DNS))) return checkFields(upLink, kDnsCheck);
     copyText(upLink.DNS, "8.8.8.8");
     return Verdict::goOn;
 }
 
 Verdict checkConnection(ZepUpLink& upLink) {
     if (upLink.connTypeIdx < 0) return fail(upLink.path, "ConnType");
-    if (usesLogin(upLink)) return checkFields(&upLink, upLink.path, kLoginChecks);
+    if (usesLogin(upLink)) return checkFields(upLink, kLoginChecks);
     return upLink.connTypeIdx == kStatic ? checkStaticAddress(upLink) : Verdict::goOn;
 }
 
@@ -134,9 +136,9 @@ Verdict checkSiteKey(ZepExtenderSite& site, const char* rule) {
 }
 
 Verdict checkExtenderSite(ZepExtenderSite& site) {
-    if (checkFields(&site, site.path, kSurveyCheck) == Verdict::fault) return Verdict::fault;
+    if (checkFields(site, kSurveyCheck) == Verdict::fault) return Verdict::fault;
     if (site.Survey == 1) return Verdict::accepted; // a survey applies nothing, so nothing else matters
-    if (checkFields(&site, site.path, kSiteChecks) == Verdict::fault) return Verdict::fault;
+    if (checkFields(site, kSiteChecks) == Verdict::fault) return Verdict::fault;
     if (site.wirelessTypeIdx < 0) return fail(site.path, "WirelessType");
     const ZepWireless& band = zepXmlData.device.wireless[site.wirelessTypeIdx];
     if (requireRule(site.WirelessName, band.WirelessNameRule, site.path, "WirelessName") == Verdict::fault)
@@ -164,8 +166,8 @@ Verdict checkDslLine(const ZepUpLink& upLink) {
 
 Verdict checkHardware(ZepUpLink& upLink) {
     const int32_t kind = upLink.hardwareTypeIdx;
-    if (kind == kAdsl || kind == kVdsl) return checkFields(&upLink.dsl, upLink.dsl.path, kIspChecks);
-    if (kind == kWwanApn) return checkFields(&upLink.apn, upLink.apn.path, kIspChecks);
+    if (kind == kAdsl || kind == kVdsl) return checkFields(upLink.dsl, kIspChecks);
+    if (kind == kWwanApn) return checkFields(upLink.apn, kIspChecks);
     if (usesExtenderSite()) return checkExtenderSite(upLink.extenderSite);
     if (kind == kDsl && isFirstGeneration()) return checkDslLine(upLink);
     return Verdict::goOn;
@@ -194,7 +196,7 @@ Verdict checkDevice(ZepDevice& device) {
     if (isApCloning()) return Verdict::goOn;
     // A device section that is left alone leaves the radios and the safety section alone too.
     if (device.Configurable == 0) return Verdict::accepted;
-    const Verdict verdict = checkFields(&device, device.path, kDeviceChecks);
+    const Verdict verdict = checkFields(device, kDeviceChecks);
     return verdict == Verdict::goOn ? checkUpLink(device.upLink) : verdict;
 }
 
@@ -236,7 +238,7 @@ Verdict checkChannel(ZepWireless& radio) {
 constexpr Check kRuleCheck[] = {RANGE(ZepAcRule, Active, 1)};
 
 Verdict checkRule(ZepAcRule& rule) {
-    if (checkFields(&rule, rule.path, kRuleCheck) == Verdict::fault) return Verdict::fault;
+    if (checkFields(rule, kRuleCheck) == Verdict::fault) return Verdict::fault;
     if (!isEmpty(trim(rule.MAC))) return Verdict::goOn;
     eventLine(kLogInfo, "Invalid Mac=%s\n", rule.MAC);
     return fail(rule.path, "MAC");
@@ -248,7 +250,7 @@ Verdict checkAccessControl(ZepAccessControl& access) {
     // The message names the radio's enable tag and not WlAcEnbl: that message is the interface.
     if (is_in_range(access.WlAcEnbl, 0, 2) == 0) return fail(access.path, "WlEnbl");
     if (access.WlAcEnbl != 1) return Verdict::goOn;
-    Verdict verdict = checkFields(&access, access.path, kAccessModeCheck);
+    Verdict verdict = checkFields(access, kAccessModeCheck);
     for (int32_t index = 0; verdict == Verdict::goOn && index < rulesInUse(access); index++)
         verdict = checkRule(access.acRule[index]);
     return verdict;
@@ -265,9 +267,9 @@ constexpr Check kNetworkCheck[] = {RULE(ZepWireless, WirelessName)};
 
 Verdict checkRadio(ZepWireless& radio) {
     const bool later = !isFirstGeneration();
-    Verdict verdict = checkFields(&radio, radio.path, kSwitchChecks);
-    if (verdict == Verdict::goOn && later) verdict = checkFields(&radio, radio.path, kBssidCheck);
-    if (verdict == Verdict::goOn) verdict = checkFields(&radio, radio.path, kNetworkCheck);
+    Verdict verdict = checkFields(radio, kSwitchChecks);
+    if (verdict == Verdict::goOn && later) verdict = checkFields(radio, kBssidCheck);
+    if (verdict == Verdict::goOn) verdict = checkFields(radio, kNetworkCheck);
     if (verdict == Verdict::goOn) verdict = checkEncryption(radio);
     if (verdict == Verdict::goOn && later) verdict = checkChannel(radio);
     if (verdict == Verdict::goOn && later) verdict = checkAccessControl(radio.accessControl);
@@ -294,7 +296,7 @@ constexpr Check kSafetyChecks[] = {
 
 Verdict checkSafety(ZepSafetyWdn& safety) {
     if (zepXmlData.safetyWdnFeature == 0 || isApCloning()) return Verdict::goOn;
-    return checkFields(&safety, safety.path, kSafetyChecks);
+    return checkFields(safety, kSafetyChecks);
 }
 
 } // namespace

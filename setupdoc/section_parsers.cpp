@@ -2,7 +2,6 @@
 
 #include <cstddef>
 #include <cstring>
-#include <span>
 
 #include "common/bounded_text.h"
 #include "common/trace.h"
@@ -175,15 +174,20 @@ bool readLeaf(const Block& block, const Leaf& leaf, char* section) {
 }
 
 // In the order of the table, up to the first required leaf that is missing.
-bool readLeaves(const Block& block, std::span<const Leaf> leaves, void* section) {
-    for (const Leaf& leaf : leaves)
-        if (isSent(leaf) && !readLeaf(block, leaf, static_cast<char*>(section))) return false;
+bool readRows(const Block& block, char* section, const Leaf* leaf, size_t count) {
+    for (; count > 0; leaf++, count--)
+        if (isSent(*leaf) && !readLeaf(block, *leaf, section)) return false;
     return true;
 }
 
+template <typename Section, size_t Count>
+bool readLeaves(const Block& block, Section& section, const Leaf (&leaves)[Count]) {
+    return readRows(block, reinterpret_cast<char*>(&section), leaves, Count);
+}
+
 bool readConnection(const Block& block, ZepUpLink& upLink) {
-    if (usesLogin(upLink)) return readLeaves(block, kLoginLeaves, &upLink);
-    return upLink.connTypeIdx != kStatic || readLeaves(block, kStaticLeaves, &upLink);
+    if (usesLogin(upLink)) return readLeaves(block, upLink, kLoginLeaves);
+    return upLink.connTypeIdx != kStatic || readLeaves(block, upLink, kStaticLeaves);
 }
 
 int32_t parseHardware(const Block& block, ZepUpLink& upLink) {
@@ -203,13 +207,13 @@ int32_t parseHardware(const Block& block, ZepUpLink& upLink) {
 
 bool parseExtenderOfDevice(const Block& block, ZepDevice& device) {
     if (!isFirstGeneration()) return true;
-    if (!readLeaves(block, kExtenderEnblLeaf, &device)) return false;
+    if (!readLeaves(block, device, kExtenderEnblLeaf)) return false;
     return !isEthernetExtender() || do_ZepExtender_Parser(block.path, block.start, block.length,
                                                           &device.upLink.extenderSite, "ExtenderSite") == 1;
 }
 
 bool parseDeviceAndUpLink(const Block& block, ZepDevice& device) {
-    if (!readLeaves(block, kDeviceLeaves, &device)) return false;
+    if (!readLeaves(block, device, kDeviceLeaves)) return false;
     if (do_ZepUpLink_Parser(block.path, block.start, block.length, &device.upLink, "UpLinkConnection") == 0)
         return false;
     return parseExtenderOfDevice(block, device);
@@ -218,7 +222,7 @@ bool parseDeviceAndUpLink(const Block& block, ZepDevice& device) {
 // An access-point cloning document need not have it; the field is then left empty.
 bool readRoaming(const Block& block, ZepDevice& device) {
     if (isFirstGeneration() || zepXmlData.easyRoamingFeature == 0) return true;
-    if (!isApCloning()) return readLeaves(block, kRoamingLeaf, &device);
+    if (!isApCloning()) return readLeaves(block, device, kRoamingLeaf);
     GetXmlKeyStrValue_(block.start, block.length, "EasyRoaming", device.EasyRoaming, sizeof device.EasyRoaming);
     return true;
 }
@@ -284,22 +288,22 @@ int32_t do_ZepUpLink_Parser(const char* parentPath, char* start, int32_t length,
     const Block block = openBlock("do_ZepUpLink_Parser", parentPath, start, length, element, upLink->path);
     if (!block) return 0;
     if (isClosedByDocument(block, upLink->Configurable)) return 1;
-    if (!readLeaves(block, kUpLinkLeaves, upLink) || !readConnection(block, *upLink)) return 0;
+    if (!readLeaves(block, *upLink, kUpLinkLeaves) || !readConnection(block, *upLink)) return 0;
     return parseHardware(block, *upLink);
 }
 
 int32_t do_ZepISP_Parser(const char* parentPath, char* start, int32_t length, ZepIsp* isp, const char* element) {
     const Block block = openBlock("do_ZepISP_Parser", parentPath, start, length, element, isp->path);
     if (!block) return 0;
-    if (!isFirstGeneration()) return readLeaves(block, kIspLeaves, isp) ? 1 : 0;
+    if (!isFirstGeneration()) return readLeaves(block, *isp, kIspLeaves) ? 1 : 0;
     if (zepXmlData.device.upLink.hardwareTypeIdx != kDsl) return 1;
-    return readLeaves(block, kDslLineLeaves, isp) ? 1 : 0;
+    return readLeaves(block, *isp, kDslLineLeaves) ? 1 : 0;
 }
 
 int32_t do_ZepExtender_Parser(const char* parentPath, char* start, int32_t length, ZepExtenderSite* site,
                               const char* element) {
     const Block block = openBlock("do_ZepExtender_Parser", parentPath, start, length, element, site->path);
-    return block && readLeaves(block, kExtenderLeaves, site) ? 1 : 0;
+    return block && readLeaves(block, *site, kExtenderLeaves) ? 1 : 0;
 }
 
 int32_t do_ZepWireless_Parser(const char* parentPath, char* start, int32_t length, ZepWireless* radio,
@@ -312,7 +316,7 @@ int32_t do_ZepWireless_Parser(const char* parentPath, char* start, int32_t lengt
     const Block block = openBlock("do_ZepWireless_Parser", parentPath, start, length, element, radio->path);
     if (!block) return 0;
     if (isClosedByDocument(block, radio->Configurable)) return 1;
-    if (!readLeaves(block, kRadioLeaves, radio)) return 0;
+    if (!readLeaves(block, *radio, kRadioLeaves)) return 0;
     if (isFirstGeneration()) return 1;
     return do_ZepAccessCtl_Parser(block.path, block.start, block.length, &access, "AccessControl");
 }
@@ -327,13 +331,13 @@ int32_t do_ZepAccessCtl_Parser(const char* parentPath, char* start, int32_t leng
 
 int32_t do_ZepAcRule_Parser(const char* parentPath, char* start, int32_t length, ZepAcRule* rule, const char* element) {
     const Block block = openBlock("do_ZepAcRule_Parser", parentPath, start, length, element, rule->path);
-    return block && readLeaves(block, kRuleLeaves, rule) ? 1 : 0;
+    return block && readLeaves(block, *rule, kRuleLeaves) ? 1 : 0;
 }
 
 int32_t do_ZepSafetyWdn_Parser(const char* parentPath, char* start, int32_t length, ZepSafetyWdn* safety,
                                const char* element) {
     const Block block = openBlock("do_ZepSafetyWdn_Parser", parentPath, start, length, element, safety->path);
-    return block && readLeaves(block, kSafetyLeaves, safety) ? 1 : 0;
+    return block && readLeaves(block, *safety, kSafetyLeaves) ? 1 : 0;
 }
 
 } // namespace pendra
