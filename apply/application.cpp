@@ -3,6 +3,7 @@
 #include <strings.h>
 
 #include <algorithm>
+#include <cstddef>
 
 #include "apply/site_survey.h"
 #include "common/bounded_text.h"
@@ -17,19 +18,109 @@ namespace {
 
 constexpr const char* kCloningInfo = "/runtime/apcloninginfo/extendersite";
 
-template <typename Flag>
-void raise(Flag& flag, int32_t changed) {
-    if (changed != 0) flag = 1;
+// A field of a section and the node that stores it.
+struct Setting {
+    const char* leaf; // behind the section's base
+    uint16_t offset;
+    bool number = false;
+};
+
+#define TEXT(Section, field, leaf) \
+    { leaf, offsetof(Section, field) }
+#define NUMBER(Section, field, leaf) \
+    { leaf, offsetof(Section, field), true }
+
+constexpr Setting kDeviceSettings[] = {
+    TEXT(ZepDevice, DeviceName, "/sys/friendlyname"),
+    TEXT(ZepDevice, DevicePwd, "/sys/user:1/password"),
+};
+
+constexpr Setting kRoamingSetting[] = {TEXT(ZepDevice, EasyRoaming, "/bramble/easyroaminginfo")};
+
+constexpr Setting kHardwareSetting[] = {TEXT(ZepUpLink, HardwareType, "/uplink/hardwaretype")};
+
+constexpr Setting kConnectionSetting[] = {TEXT(ZepUpLink, ConnType, "/uplink/conntype")};
+
+constexpr Setting kLoginSettings[] = {
+    TEXT(ZepUpLink, LoginUserName, "/uplink/loginusername"),
+    TEXT(ZepUpLink, LoginPassword, "/uplink/loginpassword"),
+};
+
+constexpr Setting kStaticSettings[] = {
+    TEXT(ZepUpLink, IP, "/uplink/ip"),
+    TEXT(ZepUpLink, NetMask, "/uplink/netmask"),
+    TEXT(ZepUpLink, Gateway, "/uplink/gateway"),
+    TEXT(ZepUpLink, DNS, "/uplink/dns"),
+};
+
+constexpr Setting kIspSettings[] = {
+    TEXT(ZepIsp, CountryName, "/countryname"),
+    TEXT(ZepIsp, IspName, "/ispname"),
+};
+
+constexpr Setting kSiteSettings[] = {
+    TEXT(ZepExtenderSite, ConnRefSiteBSSID, "/uplink/extendersite/connrefsitebssid"),
+    TEXT(ZepExtenderSite, WirelessType, "/uplink/extendersite/wirelesstype"),
+    TEXT(ZepExtenderSite, WirelessName, "/uplink/extendersite/wirelessname"),
+    TEXT(ZepExtenderSite, EncryptionKey, "/uplink/extendersite/encryptionkey"),
+};
+
+// MTU is verified but never written: no node takes it.
+constexpr Setting kDslLineSettings[] = {
+    NUMBER(ZepIsp, VPI, "/uplink/dsl/vpi"),
+    NUMBER(ZepIsp, VCI, "/uplink/dsl/vci"),
+    TEXT(ZepIsp, EncapsulationMode, "/uplink/dsl/encapsulationmode"),
+};
+
+constexpr Setting kNetworkSettings[] = {
+    TEXT(ZepWireless, WirelessName, "/wirelessname"),
+    TEXT(ZepWireless, EncryptionMode, "/encryptionmode"),
+};
+
+constexpr Setting kTypeSetting[] = {TEXT(ZepWireless, EncryptionType, "/encryptiontype")};
+
+constexpr Setting kKeySetting[] = {TEXT(ZepWireless, EncryptionKey, "/encryptionkey")};
+
+constexpr Setting kChannelSetting[] = {TEXT(ZepWireless, Channel, "/channel")};
+
+// What the extender's uplink takes over from the radio of a cloned site.
+constexpr Setting kClonedSiteSettings[] = {
+    TEXT(ZepWireless, WirelessName, "/wirelessname"),
+    TEXT(ZepWireless, EncryptionKey, "/encryptionkey"),
+};
+
+constexpr Setting kRuleSettings[] = {
+    NUMBER(ZepAcRule, Active, "/active"),
+    TEXT(ZepAcRule, MAC, "/mac"),
+};
+
+constexpr Setting kSafetySettings[] = {
+    NUMBER(ZepSafetyWdn, SafetyWdnEnbl, "/safetywdn/safetywdnenbl"),
+    NUMBER(ZepSafetyWdn, UrlDetectEnbl, "/safetywdn/urldetectenbl"),
+    NUMBER(ZepSafetyWdn, SafetyNotifyEnbl, "/safetywdn/safetynotifyenbl"),
+    NUMBER(ZepSafetyWdn, ToolRecommendEnbl, "/safetywdn/toolrecommendenbl"),
+};
+
+// Writes the settings that differ from what is stored, in the order of the table; true when one did.
+bool writeRows(const char* section, const char* base, const Setting* setting, size_t count) {
+    int32_t changed = 0;
+    for (; count > 0; setting++, count--) {
+        const NodePath path("%s%s", base, setting->leaf);
+        const char* field = section + setting->offset;
+        changed |= setting->number ? IntCmpWithXStr(*reinterpret_cast<const int32_t*>(field), path, 0)
+                                   : StrCmpWithXStr(field, path, 0);
+    }
+    return changed != 0;
+}
+
+template <typename Section, size_t Count>
+bool write(const Section& section, const char* base, const Setting (&settings)[Count]) {
+    return writeRows(reinterpret_cast<const char*>(&section), base, settings, Count);
 }
 
 template <typename Flag>
-void writeText(const char* value, const char* path, Flag& flag) {
-    raise(flag, StrCmpWithXStr(value, path, 0));
-}
-
-template <typename Flag>
-void writeNumber(int32_t value, const char* path, Flag& flag) {
-    raise(flag, IntCmpWithXStr(value, path, 0));
+void raise(Flag& flag, bool changed) {
+    if (changed) flag = 1;
 }
 
 // What a stored value fixes: 2 fixes every switch, 3 fixes some of them too.
@@ -39,16 +130,18 @@ bool isFixed(int stored, Fixed fixed) {
     return stored == 2 || (stored == 3 && fixed == Fixed::byTwoAndThree);
 }
 
-// A switch that the document may turn on or off unless the device has fixed it. False when the change is refused.
-template <typename Flag>
-bool writeSwitch(int32_t value, const char* path, Fixed fixed, Flag& flag) {
+enum class Switched { unchanged, changed, refused };
+
+// A switch that the document may turn on or off unless the device has fixed it.
+Switched writeSwitch(int32_t value, const char* path, Fixed fixed) {
     constexpr int32_t kOn = 1;
     const int stored = readNodeInt(path);
-    if (stored == value) return true;
-    if (isFixed(stored, fixed)) return false;
+    if (stored == value) return Switched::unchanged;
+    if (isFixed(stored, fixed)) return Switched::refused;
     int32_t overflow = 0;
-    raise(flag, IntMaxCmpWithXStr(value, path, 0, kOn, &overflow));
-    return overflow == 0;
+    const int32_t changed = IntMaxCmpWithXStr(value, path, 0, kOn, &overflow);
+    if (overflow != 0) return Switched::refused;
+    return changed != 0 ? Switched::changed : Switched::unchanged;
 }
 
 bool refuse(const char* path, const char* tag) {
@@ -71,100 +164,86 @@ void clearRestartFlags() {
 // ---- device and uplink ----
 
 bool applyDevice(ZepDevice& device) {
-    writeText(device.DeviceName, "/sys/friendlyname", device.deviceChanged);
-    writeText(device.DevicePwd, "/sys/user:1/password", device.deviceChanged);
-    return writeSwitch(device.RouterEnbl, "/sys/routerenbl", Fixed::byTwoAndThree, device.deviceChanged) ||
-           refuse(device.path, "RouterEnbl");
+    raise(device.deviceChanged, write(device, "", kDeviceSettings));
+    const Switched router = writeSwitch(device.RouterEnbl, "/sys/routerenbl", Fixed::byTwoAndThree);
+    raise(device.deviceChanged, router == Switched::changed);
+    return router != Switched::refused || refuse(device.path, "RouterEnbl");
 }
 
-void applyConnection(ZepUpLink& upLink) {
-    if (usesLogin(upLink)) {
-        writeText(upLink.LoginUserName, "/uplink/loginusername", upLink.restart);
-        writeText(upLink.LoginPassword, "/uplink/loginpassword", upLink.restart);
-    } else if (upLink.connTypeIdx == kStatic) {
-        writeText(upLink.IP, "/uplink/ip", upLink.restart);
-        writeText(upLink.NetMask, "/uplink/netmask", upLink.restart);
-        writeText(upLink.Gateway, "/uplink/gateway", upLink.restart);
-        writeText(upLink.DNS, "/uplink/dns", upLink.restart);
-    }
+bool writeConnection(const ZepUpLink& upLink) {
+    if (usesLogin(upLink)) return write(upLink, "", kLoginSettings);
+    return upLink.connTypeIdx == kStatic && write(upLink, "", kStaticSettings);
 }
 
-void applyExtenderSite(const ZepExtenderSite& site, int32_t& restart) {
-    writeText(site.ConnRefSiteBSSID, "/uplink/extendersite/connrefsitebssid", restart);
-    writeText(site.WirelessType, "/uplink/extendersite/wirelesstype", restart);
-    writeText(site.WirelessName, "/uplink/extendersite/wirelessname", restart);
-    writeText(site.EncryptionKey, "/uplink/extendersite/encryptionkey", restart);
-}
-
-// MTU is verified but never written: no node takes it.
-void applyDslLine(const ZepIsp& dsl, int32_t& restart) {
-    writeNumber(dsl.VPI, "/uplink/dsl/vpi", restart);
-    writeNumber(dsl.VCI, "/uplink/dsl/vci", restart);
-    writeText(dsl.EncapsulationMode, "/uplink/dsl/encapsulationmode", restart);
-}
-
-void applyHardware(ZepUpLink& upLink) {
+bool writeHardware(const ZepUpLink& upLink) {
     const int32_t kind = upLink.hardwareTypeIdx;
-    if (kind == kAdsl || kind == kVdsl) {
-        writeText(upLink.dsl.CountryName, "/uplink/dsl/countryname", upLink.restart);
-        writeText(upLink.dsl.IspName, "/uplink/dsl/ispname", upLink.restart);
-    } else if (kind == kWwanApn) {
-        writeText(upLink.apn.CountryName, "/uplink/apn/countryname", upLink.restart);
-        writeText(upLink.apn.IspName, "/uplink/apn/ispname", upLink.restart);
-    } else if (usesExtenderSite()) {
-        applyExtenderSite(upLink.extenderSite, upLink.restart);
-    } else if (kind == kDsl && isFirstGeneration()) {
-        applyDslLine(upLink.dsl, upLink.restart);
-    }
+    if (kind == kAdsl || kind == kVdsl) return write(upLink.dsl, "/uplink/dsl", kIspSettings);
+    if (kind == kWwanApn) return write(upLink.apn, "/uplink/apn", kIspSettings);
+    if (usesExtenderSite()) return write(upLink.extenderSite, "", kSiteSettings);
+    return kind == kDsl && isFirstGeneration() && write(upLink.dsl, "", kDslLineSettings);
 }
 
 void applyUpLink(ZepUpLink& upLink) {
     if (upLink.Configurable == 0) return;
-    if (!isFirstGeneration()) writeText(upLink.HardwareType, "/uplink/hardwaretype", upLink.restart);
-    writeText(upLink.ConnType, "/uplink/conntype", upLink.restart);
-    applyConnection(upLink);
-    applyHardware(upLink);
+    if (!isFirstGeneration()) raise(upLink.restart, write(upLink, "", kHardwareSetting));
+    raise(upLink.restart, write(upLink, "", kConnectionSetting));
+    raise(upLink.restart, writeConnection(upLink));
+    raise(upLink.restart, writeHardware(upLink));
 }
 
 void applyRoaming(ZepDevice& device) {
     if (isFirstGeneration() || zepXmlData.easyRoamingFeature == 0) return;
-    writeText(device.EasyRoaming, "/bramble/easyroaminginfo", device.deviceChanged);
+    raise(device.deviceChanged, write(device, "", kRoamingSetting));
 }
 
 // ---- radios ----
 
+constexpr int32_t kNoPlainValue = INT32_MIN;
+
 enum class Outcome { goOn, stopRadios, refused };
+
+// A switch on a run that clones the other router's: a state that only a device may set becomes the plain one. Refused
+// when the device has fixed its own or has none like it.
+Switched writeCloned(int32_t value, int32_t plainValue, const char* path, Fixed fixed) {
+    const int stored = readNodeInt(path);
+    if (stored == value) return Switched::unchanged;
+    if (isFixed(stored, fixed) || plainValue == kNoPlainValue) return Switched::refused;
+    return IntCmpWithXStr(plainValue, path, 0) != 0 ? Switched::changed : Switched::unchanged;
+}
+
+int32_t plainEnable(int32_t value) {
+    return value == 2 ? kNoPlainValue : value == 3 ? 1 : value;
+}
 
 Outcome applyEnable(ZepWireless& radio, const char* base) {
     const NodePath path("%s/wlenbl", base);
-    if (!isApCloning()) {
-        if (writeSwitch(radio.WlEnbl, path, Fixed::byTwoAndThree, radio.restart)) return Outcome::goOn;
-        refuse(radio.path, "WlEnbl");
-        return Outcome::refused;
-    }
-    const int stored = readNodeInt(path);
-    if (stored == radio.WlEnbl) return Outcome::goOn;
-    if (isFixed(stored, Fixed::byTwoAndThree) || radio.WlEnbl == 2) return Outcome::stopRadios;
-    writeNumber(radio.WlEnbl == 3 ? 1 : radio.WlEnbl, path, radio.restart);
-    return Outcome::goOn;
+    const Switched enable = isApCloning()
+                                ? writeCloned(radio.WlEnbl, plainEnable(radio.WlEnbl), path, Fixed::byTwoAndThree)
+                                : writeSwitch(radio.WlEnbl, path, Fixed::byTwoAndThree);
+    raise(radio.restart, enable == Switched::changed);
+    if (enable != Switched::refused) return Outcome::goOn;
+    if (isApCloning()) return Outcome::stopRadios;
+    refuse(radio.path, "WlEnbl");
+    return Outcome::refused;
 }
 
 bool applySchedule(ZepWireless& radio, const char* base) {
     const NodePath path("%s/wlschedule", base);
-    if (!isApCloning())
-        return writeSwitch(radio.WlSchedule, path, Fixed::byTwo, radio.restart) || refuse(radio.path, "WlSchedule");
-    const int stored = readNodeInt(path);
-    if (stored == radio.WlSchedule || isFixed(stored, Fixed::byTwo)) return true;
-    writeNumber(radio.WlSchedule == 2 ? 0 : radio.WlSchedule, path, radio.restart);
-    return true;
+    const int32_t value = radio.WlSchedule;
+    const Switched schedule = isApCloning() ? writeCloned(value, value == 2 ? 0 : value, path, Fixed::byTwo)
+                                            : writeSwitch(value, path, Fixed::byTwo);
+    raise(radio.restart, schedule == Switched::changed);
+    return isApCloning() || schedule != Switched::refused || refuse(radio.path, "WlSchedule");
 }
 
 void applyNetwork(ZepWireless& radio, const char* base) {
-    const char* type = isFirstGeneration() ? "AUTO" : radio.EncryptionType;
-    writeText(radio.WirelessName, NodePath("%s/wirelessname", base), radio.restart);
-    writeText(radio.EncryptionMode, NodePath("%s/encryptionmode", base), radio.restart);
-    writeText(type, NodePath("%s/encryptiontype", base), radio.restart);
-    writeText(radio.EncryptionKey, NodePath("%s/encryptionkey", base), radio.restart);
+    bool changed = write(radio, base, kNetworkSettings);
+    if (!isFirstGeneration())
+        changed |= write(radio, base, kTypeSetting);
+    else
+        changed |= StrCmpWithXStr("AUTO", NodePath("%s/encryptiontype", base), 0) != 0;
+    changed |= write(radio, base, kKeySetting);
+    raise(radio.restart, changed);
 }
 
 // Rules behind the document's last one go, from the highest number down; the count itself is computed by the tree. A
@@ -179,13 +258,12 @@ void deleteSurplusRules(ZepWireless& radio, const char* accessBase, int oldCount
 
 void applyRules(ZepWireless& radio, const char* accessBase, int storedMode) {
     const ZepAccessControl& access = radio.accessControl;
-    raise(radio.restart, access.WlAcMode != storedMode ? 1 : 0);
+    raise(radio.restart, access.WlAcMode != storedMode);
     xset_int(access.WlAcMode, NodePath("%s/wlacmode", accessBase)); // on every run, changed or not
     const int oldCount = readNodeInt(NodePath("%s/acrule#", accessBase));
     for (int32_t index = 0; index < rulesInUse(access); index++) {
-        const ZepAcRule& rule = access.acRule[index];
-        writeNumber(rule.Active, NodePath("%s/acrule:%d/active", accessBase, index + 1), radio.restart);
-        writeText(rule.MAC, NodePath("%s/acrule:%d/mac", accessBase, index + 1), radio.restart);
+        const NodePath rule("%s/acrule:%d", accessBase, index + 1);
+        raise(radio.restart, write(access.acRule[index], rule, kRuleSettings));
     }
     deleteSurplusRules(radio, accessBase, oldCount);
 }
@@ -197,7 +275,7 @@ bool applyAccessControl(ZepWireless& radio, const char* base) {
     const NodePath enablePath("%s/accesscontrol/wlacenbl", base);
     const int storedEnable = readNodeInt(enablePath, 2);
     const int storedMode = readNodeInt(NodePath("%s/accesscontrol/wlacmode", base), 0);
-    writeText(radio.Channel, NodePath("%s/channel", base), radio.restart);
+    raise(radio.restart, write(radio, base, kChannelSetting));
     if (access.WlAcEnbl != storedEnable) {
         if (isFixed(storedEnable, Fixed::byTwo)) return isApCloning() || refuse(access.path, "WlAcEnbl");
         radio.restart = 1;
@@ -207,21 +285,17 @@ bool applyAccessControl(ZepWireless& radio, const char* base) {
     return true;
 }
 
+constexpr Setting kClonedSettings[] = {
+    TEXT(ZepWireless, WirelessBSSID, "/wirelessbssid"),   TEXT(ZepWireless, WirelessName, "/wirelessname"),
+    TEXT(ZepWireless, EncryptionMode, "/encryptionmode"), TEXT(ZepWireless, EncryptionType, "/encryptiontype"),
+    TEXT(ZepWireless, EncryptionKey, "/encryptionkey"),   TEXT(ZepWireless, Channel, "/channel"),
+};
+
+// Written whatever is stored.
 void publishClone(const ZepWireless& radio, const char* band) {
-    const struct {
-        const char* leaf;
-        const char* value;
-    } rows[] = {
-        {"wirelesstype", band},
-        {"wirelessbssid", radio.WirelessBSSID},
-        {"wirelessname", radio.WirelessName},
-        {"encryptionmode", radio.EncryptionMode},
-        {"encryptiontype", radio.EncryptionType},
-        {"encryptionkey", radio.EncryptionKey},
-        {"channel", radio.Channel},
-    };
-    for (const auto& row : rows)
-        xset_str(row.value, NodePath("%s/%s", kCloningInfo, row.leaf));
+    xset_str(band, NodePath("%s/wirelesstype", kCloningInfo));
+    for (const Setting& setting : kClonedSettings)
+        xset_str(reinterpret_cast<const char*>(&radio) + setting.offset, NodePath("%s%s", kCloningInfo, setting.leaf));
 }
 
 // A cloned extender connects to the site that it was cloned from.
@@ -231,12 +305,13 @@ void applyClonedSite(const ZepWireless& radio, int index) {
     const char* band = WirelessTypeArray[index];
     char connected[128];
     readNode(connected, "/uplink/extendersite/connrefsitebssid");
+    int32_t changed = 0;
     if (strcasecmp(connected, radio.WirelessBSSID) != 0)
-        writeText(radio.WirelessBSSID, "/uplink/extendersite/failoverbssid", upLink.restart);
-    writeText(band, "/uplink/extendersite/wirelesstype", upLink.restart);
+        changed |= StrCmpWithXStr(radio.WirelessBSSID, "/uplink/extendersite/failoverbssid", 0);
+    changed |= StrCmpWithXStr(band, "/uplink/extendersite/wirelesstype", 0);
     upLink.extenderSite.wirelessTypeIdx = index;
-    writeText(radio.WirelessName, "/uplink/extendersite/wirelessname", upLink.restart);
-    writeText(radio.EncryptionKey, "/uplink/extendersite/encryptionkey", upLink.restart);
+    raise(upLink.restart, changed != 0);
+    raise(upLink.restart, write(radio, "/uplink/extendersite", kClonedSiteSettings));
     publishClone(radio, band);
 }
 
@@ -264,16 +339,13 @@ bool applyRadios(ZepDevice& device) {
 
 void applySafety(ZepSafetyWdn& safety) {
     if (zepXmlData.safetyWdnFeature == 0 || isApCloning()) return;
-    writeNumber(safety.SafetyWdnEnbl, "/safetywdn/safetywdnenbl", safety.restart);
-    writeNumber(safety.UrlDetectEnbl, "/safetywdn/urldetectenbl", safety.restart);
-    writeNumber(safety.SafetyNotifyEnbl, "/safetywdn/safetynotifyenbl", safety.restart);
-    writeNumber(safety.ToolRecommendEnbl, "/safetywdn/toolrecommendenbl", safety.restart);
+    raise(safety.restart, write(safety, "", kSafetySettings));
 }
 
 void settleSaveFlag(const ZepDevice& device) {
     const bool changed = device.deviceChanged != 0 || device.upLink.restart != 0 || device.wireless[0].restart != 0 ||
                          device.wireless[1].restart != 0 || device.roamingRestart != 0 || device.safetyWdn.restart != 0;
-    raise(zepXmlData.saveflag, changed ? 1 : 0);
+    raise(zepXmlData.saveflag, changed);
     if (zepXmlData.saveflag != 0) xset_int(0, "/sys/factorydefault"); // no longer in its factory state
 }
 
@@ -310,7 +382,7 @@ int32_t Apply_ZepXmlToDevice() {
     ZepDevice& device = zepXmlData.device;
     if (device.Configurable == 0) return 1;
     if (asksForSurvey(device)) {
-        raise(device.wlanSurveyRestart, requestSiteSurvey() ? 1 : 0); // and nothing else is applied
+        raise(device.wlanSurveyRestart, requestSiteSurvey()); // and nothing else is applied
     } else if (!applySections(device)) {
         return 0;
     }
