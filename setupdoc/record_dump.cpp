@@ -12,43 +12,65 @@
 namespace pendra {
 namespace {
 
-enum class Value : uint8_t { number, byte, text };
+int32_t numberAt(const char* field) {
+    return *reinterpret_cast<const int32_t*>(field);
+}
 
-// A line of the dump: a format and the fields of a section that it shows.
+// How a line goes on behind its indentation.
+enum class Form : uint8_t {
+    path,         // the text alone
+    text,         // name=text
+    quotedText,   // name='text'
+    texts,        // name='text,text'
+    name,         // name='text',row
+    number,       // name=number
+    quotedNumber, // name='number'
+    byte,         // name=number, of a small field
+};
+
+// A line of the dump: how deep it stands, its name, and the fields of a section that it shows.
 struct Line {
-    const char* format;
+    uint8_t depth;
+    Form form;
     uint16_t offset;
-    Value kind;
-    Value secondKind = Value::number;
+    const char* name;
     uint16_t second = 0;
 };
 
-#define TEXT(Section, field, format) \
-    { format, offsetof(Section, field), Value::text }
-#define NUMBER(Section, field, format) \
-    { format, offsetof(Section, field), Value::number }
-#define BYTE(field, format) \
-    { format, offsetof(ZepXmlData, field), Value::byte }
-#define NUMBERS(Section, field, other, format) \
-    { format, offsetof(Section, field), Value::number, Value::number, offsetof(Section, other) }
-#define TEXTS(Section, field, other, format) \
-    { format, offsetof(Section, field), Value::text, Value::text, offsetof(Section, other) }
-#define NAME(Section, field, row, format) \
-    { format, offsetof(Section, field), Value::text, Value::number, offsetof(Section, row) }
+#define PATH(depth, Section, field) \
+    { depth, Form::path, offsetof(Section, field), "" }
+#define TEXT(depth, Section, field) \
+    { depth, Form::text, offsetof(Section, field), #field }
+#define QUOTED(depth, Section, field) \
+    { depth, Form::quotedText, offsetof(Section, field), #field }
+#define NUMBER(depth, Section, field) \
+    { depth, Form::number, offsetof(Section, field), #field }
+#define BYTE(field) \
+    { 0, Form::byte, offsetof(ZepXmlData, field), #field }
+#define NAME(depth, Section, field, row, shown) \
+    { depth, Form::name, offsetof(Section, field), shown, offsetof(Section, row) }
+#define TEXTS(depth, Section, field, other, shown) \
+    { depth, Form::texts, offsetof(Section, field), shown, offsetof(Section, other) }
 
-int32_t numberAt(const char* field, Value kind) {
-    return kind == Value::byte ? *reinterpret_cast<const int8_t*>(field) : *reinterpret_cast<const int32_t*>(field);
-}
+constexpr const char* kIndents[] = {"+- ", " +- ", "     +- ", "         +- "};
+
+// By form, behind indentation and name; a format takes as many of the values as it has places.
+constexpr const char* kFormats[] = {
+    "%s%s%s\n", "%s%s=%s\n", "%s%s='%s'\n", "%s%s='%s,%s'\n", "%s%s='%s',%d\n", "%s%s=%d\n", "%s%s='%d'\n", "%s%s=%d\n",
+};
 
 void dumpLine(const char* section, const Line& line) {
-    const char* const first = section + line.offset;
+    const char* const format = kFormats[static_cast<size_t>(line.form)];
+    const char* const indent = kIndents[line.depth];
+    const char* const field = section + line.offset;
     const char* const second = section + line.second;
-    if (line.kind != Value::text)
-        LINE(line.format, numberAt(first, line.kind), numberAt(second, Value::number));
-    else if (line.secondKind == Value::text)
-        LINE(line.format, first, second);
+    if (line.form < Form::name)
+        LINE(format, indent, line.name, field, second);
+    else if (line.form == Form::name)
+        LINE(format, indent, line.name, field, numberAt(second));
     else
-        LINE(line.format, first, numberAt(second, Value::number));
+        LINE(format, indent, line.name,
+             line.form == Form::byte ? *reinterpret_cast<const int8_t*>(field) : numberAt(field));
 }
 
 void dumpRows(const char* section, const Line* line, size_t count) {
@@ -61,100 +83,94 @@ void dumpLines(const Section& section, const Line (&lines)[Count]) {
     dumpRows(reinterpret_cast<const char*>(&section), lines, Count);
 }
 
-constexpr Line kHead[] = {
-    TEXT(ZepXmlData, specVersion.path, "%s\n"),
-    NUMBERS(ZepXmlData, specVersion.major, specVersion.minor, " +- Ver=%d.%d\n"),
-    TEXT(ZepXmlData, device.path, "%s\n"),
-    NUMBER(ZepXmlData, device.Configurable, " +- Configurable=%d\n"),
-};
-
 constexpr Line kIsp[] = {
-    TEXT(ZepIsp, path, "     +- %s\n"),
-    TEXT(ZepIsp, CountryName, "         +- CountryName=%s\n"),
-    TEXT(ZepIsp, IspName, "         +- IspName=%s\n"),
-};
-
-constexpr Line kDslLine[] = {
-    TEXT(ZepIsp, path, "     +- %s\n"),
-    NUMBERS(ZepIsp, VPI, VCI, "         +- VPI/VCI=%d/%d\n"),
-    NAME(ZepIsp, EncapsulationMode, encapModeIdx, "         +- EncapMode='%s',%d\n"),
+    PATH(2, ZepIsp, path),
+    TEXT(3, ZepIsp, CountryName),
+    TEXT(3, ZepIsp, IspName),
 };
 
 constexpr Line kExtenderSite[] = {
-    TEXT(ZepExtenderSite, path, "     +- %s\n"),
-    NUMBER(ZepExtenderSite, Survey, "         +- Survey=%d\n"),
-    TEXT(ZepExtenderSite, ConnRefSiteBSSID, "         +- ConnRefSiteBSSID=%s\n"),
-    NAME(ZepExtenderSite, WirelessType, wirelessTypeIdx, "         +- WirelessType='%s',%d\n"),
-    TEXT(ZepExtenderSite, WirelessName, "         +- WirelessName=%s\n"),
-    TEXT(ZepExtenderSite, EncryptionKey, "         +- EncryptionKey=%s\n"),
+    PATH(2, ZepExtenderSite, path),
+    NUMBER(3, ZepExtenderSite, Survey),
+    TEXT(3, ZepExtenderSite, ConnRefSiteBSSID),
+    NAME(3, ZepExtenderSite, WirelessType, wirelessTypeIdx, "WirelessType"),
+    TEXT(3, ZepExtenderSite, WirelessName),
+    TEXT(3, ZepExtenderSite, EncryptionKey),
 };
 
 constexpr Line kUpLink[] = {
-    TEXT(ZepUpLink, path, " +- %s\n"),
-    NUMBER(ZepUpLink, Configurable, "     +- Configurable=%d\n"),
-    NAME(ZepUpLink, HardwareType, hardwareTypeIdx, "     +- HardwareType='%s',%d\n"),
-    TEXT(ZepUpLink, LoginUserName, "     +- LoginUserName='%s'\n"),
-    TEXT(ZepUpLink, LoginPassword, "     +- LoginPassword='%s'\n"),
-    TEXTS(ZepUpLink, IP, NetMask, "     +- IP,NetMask='%s,%s'\n"),
-    TEXT(ZepUpLink, Gateway, "     +- Gateway='%s'\n"),
-    TEXT(ZepUpLink, DNS, "     +- DNS='%s'\n"),
-    NUMBER(ZepUpLink, restart, "     +- restart='%d'\n"),
+    PATH(1, ZepUpLink, path),
+    NUMBER(2, ZepUpLink, Configurable),
+    NAME(2, ZepUpLink, HardwareType, hardwareTypeIdx, "HardwareType"),
+    QUOTED(2, ZepUpLink, LoginUserName),
+    QUOTED(2, ZepUpLink, LoginPassword),
+    TEXTS(2, ZepUpLink, IP, NetMask, "IP,NetMask"),
+    QUOTED(2, ZepUpLink, Gateway),
+    QUOTED(2, ZepUpLink, DNS),
+    {2, Form::quotedNumber, offsetof(ZepUpLink, restart), "restart"},
 };
 
 constexpr Line kDevice[] = {
-    TEXT(ZepDevice, DeviceName, " +- DeviceName='%s'\n"),
-    TEXT(ZepDevice, DevicePwd, " +- DevicePwd='%s'\n"),
-    TEXT(ZepDevice, DeviceType, " +- DeviceType='%s'\n"),
-    NUMBER(ZepDevice, RouterEnbl, " +- RouterEnbl=%d\n"),
+    QUOTED(1, ZepDevice, DeviceName),
+    QUOTED(1, ZepDevice, DevicePwd),
+    QUOTED(1, ZepDevice, DeviceType),
+    NUMBER(1, ZepDevice, RouterEnbl),
 };
 
-constexpr Line kExtenderEnbl[] = {NUMBER(ZepDevice, ExtenderEnbl, " +- ExtenderEnbl=%d\n")};
+constexpr Line kExtenderEnbl[] = {NUMBER(1, ZepDevice, ExtenderEnbl)};
 
-constexpr Line kRoaming[] = {TEXT(ZepDevice, EasyRoaming, " +- EasyRoaming=%s\n")};
+constexpr Line kRoaming[] = {TEXT(1, ZepDevice, EasyRoaming)};
 
-constexpr Line kSurvey[] = {NUMBER(ZepDevice, wlanSurveyRestart, " +- wlanSurveyRestart=%d\n")};
+constexpr Line kSurvey[] = {NUMBER(1, ZepDevice, wlanSurveyRestart)};
 
-constexpr Line kRadio[] = {
-    TEXT(ZepWireless, path, " +- %s\n"),
-    NUMBER(ZepWireless, Configurable, "     +- Configurable=%d\n"),
-    NUMBERS(ZepWireless, WlEnbl, WlSchedule, "     +- WlEnbl,WlSchedule=%d,%d\n"),
-    TEXT(ZepWireless, WirelessBSSID, "     +- WirelessBSSID='%s'\n"),
-    TEXT(ZepWireless, WirelessName, "     +- WirelessName='%s'\n"),
-    TEXTS(ZepWireless, EncryptionMode, EncryptionType, "     +- EncryptionMode,Type='%s,%s'\n"),
-    TEXT(ZepWireless, EncryptionKey, "     +- EncryptionKey='%s'\n"),
+constexpr Line kNetwork[] = {
+    QUOTED(2, ZepWireless, WirelessBSSID),
+    QUOTED(2, ZepWireless, WirelessName),
+    TEXTS(2, ZepWireless, EncryptionMode, EncryptionType, "EncryptionMode,Type"),
+    QUOTED(2, ZepWireless, EncryptionKey),
 };
 
 constexpr Line kLaterRadio[] = {
-    TEXT(ZepWireless, Channel, "     +- Channel='%s'\n"),
-    NUMBER(ZepWireless, restart, "     +- restart=%d\n"),
-    TEXT(ZepWireless, accessControl.path, "     +- %s\n"),
-    NUMBER(ZepWireless, accessControl.WlAcEnbl, "         +- WlAcEnbl=%d\n"),
+    QUOTED(2, ZepWireless, Channel),
+    NUMBER(2, ZepWireless, restart),
+    PATH(2, ZepWireless, accessControl.path),
+    {3, Form::number, offsetof(ZepWireless, accessControl.WlAcEnbl), "WlAcEnbl"},
 };
 
-constexpr Line kAccessMode[] = {NUMBER(ZepAccessControl, WlAcMode, "         +- WlAcMode=%d\n")};
+constexpr Line kAccessMode[] = {NUMBER(3, ZepAccessControl, WlAcMode)};
 
 constexpr Line kSafety[] = {
-    TEXT(ZepSafetyWdn, path, " +- %s\n"),
-    NUMBER(ZepSafetyWdn, SafetyWdnEnbl, "     +- SafetyWdnEnbl=%d\n"),
-    NUMBER(ZepSafetyWdn, UrlDetectEnbl, "     +- UrlDetectEnbl=%d\n"),
-    NUMBER(ZepSafetyWdn, SafetyNotifyEnbl, "     +- SafetyNotifyEnbl=%d\n"),
-    NUMBER(ZepSafetyWdn, ToolRecommendEnbl, "     +- ToolRecommendEnbl=%d\n"),
-    NUMBER(ZepSafetyWdn, restart, "     +- restart=%d\n"),
+    PATH(1, ZepSafetyWdn, path),
+    NUMBER(2, ZepSafetyWdn, SafetyWdnEnbl),
+    NUMBER(2, ZepSafetyWdn, UrlDetectEnbl),
+    NUMBER(2, ZepSafetyWdn, SafetyNotifyEnbl),
+    NUMBER(2, ZepSafetyWdn, ToolRecommendEnbl),
+    NUMBER(2, ZepSafetyWdn, restart),
 };
 
 constexpr Line kSwitches[] = {
-    BYTE(apCloningOnly, "+- apCloningOnly=%d\n"),       BYTE(apCloningFeature, "+- apCloningFeature=%d\n"),
-    BYTE(fwUpgradeFeature, "+- fwUpgradeFeature=%d\n"), BYTE(easyRoamingFeature, "+- easyRoamingFeature=%d\n"),
-    BYTE(safetyWdnFeature, "+- safetyWdnFeature=%d\n"), BYTE(wlan24Feature, "+- wlan24Feature=%d\n"),
-    BYTE(wlan5Feature, "+- wlan5Feature=%d\n"),         TEXT(ZepXmlData, tmpPath, "+- tmpPath=%s\n"),
-    TEXT(ZepXmlData, scriptPath, "+- scriptPath=%s\n"), BYTE(saveflag, "+- saveflag=%d\n"),
+    BYTE(apCloningOnly),      BYTE(apCloningFeature),       BYTE(fwUpgradeFeature),
+    BYTE(easyRoamingFeature), BYTE(safetyWdnFeature),       BYTE(wlan24Feature),
+    BYTE(wlan5Feature),       TEXT(0, ZepXmlData, tmpPath), TEXT(0, ZepXmlData, scriptPath),
+    BYTE(saveflag),
 };
 
+void dumpHead(const ZepXmlData& data) {
+    LINE("----ZEPXML_BGN----\n");
+    LINE("%s\n", data.specVersion.path);
+    LINE(" +- Ver=%d.%d\n", data.specVersion.major, data.specVersion.minor);
+    LINE("%s\n", data.device.path);
+    LINE(" +- Configurable=%d\n", data.device.Configurable);
+}
+
 void dumpDsl(const ZepIsp& dsl) {
-    if (isFirstGeneration())
-        dumpLines(dsl, kDslLine);
-    else
+    if (!isFirstGeneration()) {
         dumpLines(dsl, kIsp);
+        return;
+    }
+    LINE("     +- %s\n", dsl.path);
+    LINE("         +- VPI/VCI=%d/%d\n", dsl.VPI, dsl.VCI);
+    LINE("         +- EncapMode='%s',%d\n", dsl.EncapsulationMode, dsl.encapModeIdx);
 }
 
 // One chain: a first-generation device that may extend shows its extender site whatever else it has.
@@ -193,7 +209,10 @@ void dumpRules(const ZepAccessControl& access) {
 }
 
 void dumpRadio(const ZepWireless& radio) {
-    dumpLines(radio, kRadio);
+    LINE(" +- %s\n", radio.path);
+    LINE("     +- Configurable=%d\n", radio.Configurable);
+    LINE("     +- WlEnbl,WlSchedule=%d,%d\n", radio.WlEnbl, radio.WlSchedule);
+    dumpLines(radio, kNetwork);
     if (isFirstGeneration()) return;
     dumpLines(radio, kLaterRadio);
     dumpRules(radio.accessControl);
@@ -204,8 +223,7 @@ void dumpRadio(const ZepWireless& radio) {
 void dumpRecord() {
     if (!logs(kLogInfo)) return;
     const ZepXmlData& data = zepXmlData;
-    LINE("----ZEPXML_BGN----\n");
-    dumpLines(data, kHead);
+    dumpHead(data);
     if (isApCloning())
         dumpRoaming(data.device);
     else
