@@ -152,6 +152,10 @@ void Server::run() {
     drain();
 }
 
+bool Server::adopt(int client, const sockaddr& address, socklen_t length) {
+    return MHD_add_connection(daemon_, client, &address, length) == MHD_YES;
+}
+
 void Server::serveOnce() {
     MHD_run(daemon_);
     commitAnswered();

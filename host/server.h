@@ -36,6 +36,12 @@ class Server {
     /** Serves until SIGTERM or SIGINT arrives; then ends what is under way, bounded in time. */
     void run();
 
+    /** Takes over a connected socket, as if its client had come in by the listening one. */
+    [[nodiscard]] bool adopt(int client, const sockaddr& address, socklen_t length);
+
+    /** Answers what has come in, and commits what has been answered; does not wait. */
+    void serveOnce();
+
   private:
     static void* onRequestLine(void* self, const char* uri, MHD_Connection* connection);
     static MHD_Result onRequest(void* self, MHD_Connection* connection, const char* path, const char* method,
