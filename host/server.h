@@ -49,7 +49,6 @@ class Server {
     static void onCompleted(void* self, MHD_Connection* connection, void** state, MHD_RequestTerminationCode reason);
 
     bool startDaemon();
-    void serveOnce();
     void wait();
     void drain();
     void commitAnswered();
