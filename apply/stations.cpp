@@ -90,22 +90,21 @@ int strongestSignal(const unsigned char* entry) {
     return strongest;
 }
 
+void setLeaf(const char* station, const char* leaf, const char* text) {
+    xset_str(text, NodePath("%s/%s", station, leaf));
+}
+
 void publish(const unsigned char* entry, const Radio& radio, const char* interfaceName, int number) {
     const NodePath station("%s/sta:%d", kStationList, number);
-    const char* base = station;
     const unsigned char* mac = entry + kMacOffset;
     char text[32];
     std::snprintf(text, sizeof text, radio.macFormat, mac[0], mac[1], mac[2], mac[3], mac[4], mac[5]);
-    xset_str(text, NodePath("%s/mac", base));
-    xset_str(interfaceName, NodePath("%s/ifname", base));
+    setLeaf(station, "mac", text);
+    setLeaf(station, "ifname", interfaceName);
     const int rssi = strongestSignal(entry);
-    if (rssi == 0) {
-        eventLine(kLogEvent, "Get Station %s RSSI failed!\n", text);
-        xset_str("", NodePath("%s/rssi", base));
-        return;
-    }
-    formatText(text, "%d", rssi);
-    xset_str(text, NodePath("%s/rssi", base));
+    if (rssi == 0) eventLine(kLogEvent, "Get Station %s RSSI failed!\n", text);
+    formatText(text, rssi == 0 ? "" : "%d", rssi);
+    setLeaf(station, "rssi", text);
 }
 
 // Publishes a radio's stations from a number on; false when the driver could not be asked.

@@ -64,13 +64,12 @@ bool readFile(const char* path, char (&text)[kReadSize]) {
 
 // ---- fetching ----
 
-void readTemplate(char (&pattern)[kCommandSize]) {
-    getXNode(pattern, "/fwupgradeinfo/urlgetcmd", "wget -O \"$savefn\" \"$url\"");
-}
-
-void makeFetchCommand(char (&command)[kCommandSize], const char* pattern, const char* target, const char* address) {
+// Puts the device's own fetch command together.
+void makeFetchCommand(char (&command)[kCommandSize], const char* target, const char* address, bool trimmed = false) {
+    char pattern[kCommandSize];
     char withTarget[kCommandSize];
-    changeKeywordBounded(withTarget, sizeof withTarget, pattern, "$savefn", target);
+    getXNode(pattern, "/fwupgradeinfo/urlgetcmd", "wget -O \"$savefn\" \"$url\"");
+    changeKeywordBounded(withTarget, sizeof withTarget, trimmed ? trim(pattern) : pattern, "$savefn", target);
     changeKeywordBounded(command, sizeof command, withTarget, "$url", address);
 }
 
@@ -96,7 +95,6 @@ void rememberDownload(const char* command) {
 // ---- actions ----
 
 void startOver(uint32_t) {
-    logPrintf(kLogTrace, "===FWUPGRADE_ACT_INIT===\n");
     char image[kKeywordTextSize];
     readImageName(image);
     const char* const directory = zepXmlData.tmpPath;
@@ -111,12 +109,10 @@ void startOver(uint32_t) {
 void fetchNotes() {
     char address[128];
     char target[128];
-    char pattern[kCommandSize];
     char command[kCommandSize];
     readNode(address, "/fwupgradeinfo/newfw/notesurl");
     setPath(target, kNotesFile);
-    readTemplate(pattern);
-    makeFetchCommand(command, pattern, target, address);
+    makeFetchCommand(command, target, address);
     sendToBackground(command);
     runShell(command);
 }
@@ -125,20 +121,17 @@ void fetchNotes() {
 void fetchList(char (&listFile)[128]) {
     char prefix[128];
     char address[128];
-    char pattern[kCommandSize];
     char command[kCommandSize];
     readNode(prefix, "/fwupgradeinfo/currfwfilename");
     prefix[std::strcspn(prefix, "_")] = '\0';
     readNode(zepXmlData.tmpPath, "/bramble/tempdirecory"); // always anew here; the node is spelt so
     formatText(listFile, "%s/%s.xml", zepXmlData.tmpPath, prefix);
     formatText(address, "%s/%s/%s.xml", get_FwServerWebSite(), prefix, prefix);
-    readTemplate(pattern);
-    makeFetchCommand(command, pattern, listFile, address);
+    makeFetchCommand(command, listFile, address);
     runTraced(command);
 }
 
 void search(uint32_t) {
-    logPrintf(kLogTrace, "===FWUPGRADE_ACT_SEARCH===\n");
     char listFile[128];
     fetchList(listFile);
     char document[kReadSize];
@@ -152,15 +145,12 @@ void search(uint32_t) {
 }
 
 void download(uint32_t) {
-    logPrintf(kLogTrace, "===FWUPGRADE_ACT_DOWNLOAD===\n");
     char target[128];
     char address[128];
-    char pattern[kCommandSize];
     char command[kCommandSize];
     setImagePath(target);
     readNode(address, "/fwupgradeinfo/newfw/fileurl");
-    readTemplate(pattern);
-    makeFetchCommand(command, trim(pattern), target, address);
+    makeFetchCommand(command, target, address, true);
     rememberDownload(command);
     sendToBackground(command);
     runShell(command);
@@ -175,7 +165,6 @@ bool hasEnded(const char* processes, const char* download) {
 }
 
 void poll(uint32_t) {
-    logPrintf(kLogTrace, "===FWUPGRADE_BINGETTING===\n");
     char listFile[128];
     char command[kCommandSize];
     setPath(listFile, kProcessFile);
@@ -190,7 +179,6 @@ void poll(uint32_t) {
 }
 
 void upgrade(uint32_t) {
-    logPrintf(kLogTrace, "===FWUPGRADE_ACT_UPGRADE===\n");
     if (exe_ExternalCall(kFwUpgrade) != 0) {
         fwXmlData.status = kUpgradeFailed;
         return;
@@ -223,11 +211,13 @@ struct ActionRule {
     uint32_t action;
     int32_t status;
     void (*carryOut)(uint32_t action);
+    const char* traced = nullptr;
 };
 
 constexpr ActionRule kRules[] = {
-    {'0', kAnyStatus, startOver},     {'1', kInitial, search},     {'2', kFound, download},
-    {kAnyAction, kDownloading, poll}, {'4', kDownloaded, upgrade}, {'9', kAnyStatus, reportOnly},
+    {'0', kAnyStatus, startOver, "ACT_INIT"},   {'1', kInitial, search, "ACT_SEARCH"},
+    {'2', kFound, download, "ACT_DOWNLOAD"},    {kAnyAction, kDownloading, poll, "BINGETTING"},
+    {'4', kDownloaded, upgrade, "ACT_UPGRADE"}, {'9', kAnyStatus, reportOnly},
     {kAnyAction, kAnyStatus, refuse},
 };
 
@@ -298,7 +288,9 @@ void report() {
 extern "C" int32_t do_FwUpgradeAction(uint32_t action) {
     traceEntry("do_FwUpgradeAction");
     if (isEmpty(zepXmlData.tmpPath)) readNode(zepXmlData.tmpPath, "/bramble/tempdirecory"); // the node is spelt so
-    ruleFor(action).carryOut(action);
+    const ActionRule& rule = ruleFor(action);
+    if (rule.traced != nullptr) logPrintf(kLogTrace, "===FWUPGRADE_%s===\n", rule.traced);
+    rule.carryOut(action);
     report();
     return 0;
 }

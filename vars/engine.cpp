@@ -16,7 +16,7 @@ bool startsWith(const char* text, const char* prefix) {
     return std::strncmp(text, prefix, std::strlen(prefix)) == 0;
 }
 
-int32_t accessDevice(VariableTable variables, const char* leaf, const Request& request) {
+int32_t accessDevice(const VariableTable& variables, const char* leaf, const Request& request) {
     return accessVariable({variables, &zepXmlData.device, ""}, leaf, request);
 }
 

@@ -40,13 +40,23 @@ int32_t accessAccessControl(const VariableName& name, const Request& request, Ze
     return name.count() == 4 ? accessAcRule(name, request, access) : static_cast<int32_t>(kRefused);
 }
 
-struct SubSection {
+constexpr Section kVersionSection = {kVersionVariables, &zepXmlData.specVersion, "/specversion"};
+constexpr Section kUpLinkSection = {kUpLinkVariables, &zepXmlData.device.upLink, "/uplink"};
+constexpr Section kSafetySection = {kSafetyVariables, &zepXmlData.device.safetyWdn, "/safetywdn"};
+constexpr Section kFirmwareSection = {kFirmwareVariables, nullptr, "/fwupgradeinfo"};
+constexpr Section kSurveySection = {kSurveyVariables, nullptr, ""};
+
+constexpr struct {
     const char* prefix;
     Section section;
+} kUpLinkParts[] = {
+    {"Ets", {kExtenderVariables, &zepXmlData.device.upLink.extenderSite, "/uplink/extendersite"}},
+    {"Dsl", {kIspVariables, &zepXmlData.device.upLink.dsl, "/uplink/dsl"}},
+    {"Apn", {kIspVariables, &zepXmlData.device.upLink.apn, "/uplink/asp"}}, // spelt so: part of the interface
 };
 
 int32_t accessSurvey(const VariableName& name, const Request& request) {
-    if (name.count() == 3) return accessVariable({kSurveyVariables, nullptr, ""}, name.part(3), request);
+    if (name.count() == 3) return accessVariable(kSurveySection, name.part(3), request);
     if (name.count() != 4) return kRefused;
     const int index = listIndex(name.part(3), 'S');
     if (index < 0 || readNodeInt("/wirelesssitesurvey/site#") < index + 1) return kRefused;
@@ -59,20 +69,15 @@ int32_t accessSurvey(const VariableName& name, const Request& request) {
 
 int32_t accessVersion(const VariableName& name, const Request& request) {
     if (name.count() != 2) return kRefused;
-    return accessVariable({kVersionVariables, &zepXmlData.specVersion, "/specversion"}, name.part(2), request);
+    return accessVariable(kVersionSection, name.part(2), request);
 }
 
 int32_t accessUpLink(const VariableName& name, const Request& request) {
-    ZepUpLink& upLink = zepXmlData.device.upLink;
-    if (request.sets() && upLink.Configurable == 0) return kNotConfigurable;
-    const SubSection subSections[] = {
-        {"Ets", {kExtenderVariables, &upLink.extenderSite, "/uplink/extendersite"}},
-        {"Dsl", {kIspVariables, &upLink.dsl, "/uplink/dsl"}},
-        {"Apn", {kIspVariables, &upLink.apn, "/uplink/asp"}}, // spelt so: part of the interface
-    };
-    for (const SubSection& sub : subSections)
-        if (name.count() == 3 && name.begins(2, sub.prefix)) return accessVariable(sub.section, name.part(3), request);
-    return accessVariable({kUpLinkVariables, &upLink, "/uplink"}, name.part(2), request);
+    if (request.sets() && zepXmlData.device.upLink.Configurable == 0) return kNotConfigurable;
+    for (const auto& part : kUpLinkParts)
+        if (name.count() == 3 && name.begins(2, part.prefix))
+            return accessVariable(part.section, name.part(3), request);
+    return accessVariable(kUpLinkSection, name.part(2), request);
 }
 
 int32_t accessWireless(const VariableName& name, const Request& request) {
@@ -85,14 +90,14 @@ int32_t accessWireless(const VariableName& name, const Request& request) {
 }
 
 int32_t accessSafety(const VariableName& name, const Request& request) {
-    return accessVariable({kSafetyVariables, &zepXmlData.device.safetyWdn, "/safetywdn"}, name.part(2), request);
+    return accessVariable(kSafetySection, name.part(2), request);
 }
 
 int32_t accessInformation(const VariableName& name, const Request& request) {
     if (!request.gets()) return kRefused;
     if (name.begins(2, "Fwu")) {
         if (name.count() != 3) return kRefused;
-        return accessVariable({kFirmwareVariables, nullptr, "/fwupgradeinfo"}, name.part(3), request);
+        return accessVariable(kFirmwareSection, name.part(3), request);
     }
     return name.begins(2, "Ssv") ? accessSurvey(name, request) : static_cast<int32_t>(kRefused);
 }

@@ -29,7 +29,7 @@ struct Request {
 
 // A section of the record and the base of its paths.
 struct Section {
-    VariableTable variables;
+    const VariableTable& variables;
     void* record;
     const char* base;
 };
