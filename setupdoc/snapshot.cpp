@@ -25,11 +25,11 @@ enum class Kind : uint8_t {
 struct NodeRow {
     Kind kind;
     const char* leaf; // behind the section's base
-    size_t offset;    // of the field in its section
-    size_t capacity;
+    uint16_t offset;  // of the field in its section
+    uint16_t capacity;
     int32_t whenAbsent = 0;
     const char* const* table = nullptr;
-    size_t rowOffset = 0; // of the field that holds the row of the table
+    uint16_t rowOffset = 0; // of the field that holds the row of the table
 };
 
 #define TEXT(Section, field, leaf) \
@@ -168,14 +168,17 @@ void readRow(char* section, const NodeRow& row, const char* path) {
     }
 }
 
-template <typename Section, size_t Rows>
-void readRows(Section& section, const char* base, const NodeRow (&rows)[Rows]) {
-    for (const NodeRow& row : rows)
-        readRow(reinterpret_cast<char*>(&section), row, NodePath("%s%s", base, row.leaf));
+void readTable(char* section, const char* base, const NodeRow* row, size_t count) {
+    for (; count > 0; row++, count--)
+        readRow(section, *row, NodePath("%s%s", base, row->leaf));
 }
 
-template <size_t Capacity>
-void joinPath(char (&path)[Capacity], const char* parent, const char* child) {
+template <typename Section, size_t Count>
+void readRows(Section& section, const char* base, const NodeRow (&rows)[Count]) {
+    readTable(reinterpret_cast<char*>(&section), base, rows, Count);
+}
+
+void joinPath(TextField path, const char* parent, const char* child) {
     formatText(path, "%s/%s", parent, child);
 }
 
