@@ -7,6 +7,9 @@
  * "/sys/RouterEnbl" and "/sys/routerenbl" are two nodes. A node may be absent, and that is never an error: an absent
  * text reads as "", an absent integer as a negative number.
  *
+ * These are the only functions that the library calls from outside, but for those of libc. They come from the program
+ * or from a library that it loads.
+ *
  * Thread rule of every function here: the library calls them on the thread that called the library (tcapi_commit() on
  * the one that takes SIGALRM) and never two at a time.
  */
@@ -16,6 +19,13 @@
 #ifdef __cplusplus
 extern "C" {
 #endif
+
+/**
+ * @defgroup platform The platform's functions
+ *
+ * Thread rule: called on the library's one thread, never two at a time; tcapi_commit() from the SIGALRM handler.
+ * @{
+ */
 
 /** Capacity in bytes, terminating NUL included, of the buffer that the library hands to xget_str(). */
 #define XNODE_TEXT_MAX 1024
@@ -76,7 +86,10 @@ int xdel(const char* path);
  * Sets an attribute of a node of the chip vendor's configuration API. The library uses it once, to announce a firmware
  * image: node "System_Entry", attribute "upgrade_fw", value "1".
  *
- * @return 0 on success.
+ * @param node      the vendor node.
+ * @param attribute the attribute's name.
+ * @param value     its text.
+ * @return 0 on success. Otherwise the library removes the image and reports that the upgrade failed.
  */
 int tcapi_set(const char* node, const char* attribute, const char* value);
 
@@ -84,9 +97,11 @@ int tcapi_set(const char* node, const char* attribute, const char* value);
  * Carries out what was set on a vendor node. On "System_Entry" this checks the announced firmware image and writes it
  * to the flash. Called from the SIGALRM handler of the firmware hand-over.
  *
+ * @param node the vendor node.
  * @return 0 on success, non-zero when the vendor API refused.
  */
 int tcapi_commit(const char* node);
+/** @} */
 
 #ifdef __cplusplus
 }
