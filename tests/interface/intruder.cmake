@@ -22,6 +22,7 @@ endforeach()
 
 set(source "#include <stdio.h>\n#include <stdlib.h>\n")
 foreach(name ${exported})
-  string(APPEND source "void ${name}(void);\nvoid ${name}(void) {\n    fputs(\"${name} was captured\\n\", stderr);\n    abort();\n}\n")
+  string(APPEND source "void ${name}(void);\nvoid ${name}(void) {\n"
+    "    fputs(\"${name} was captured\\n\", stderr);\n    abort();\n}\n")
 endforeach()
 file(WRITE ${OUTPUT} "${source}")
