@@ -103,7 +103,7 @@ void publish(const unsigned char* entry, const Radio& radio, const char* interfa
     setLeaf(station, "ifname", interfaceName);
     const int rssi = strongestSignal(entry);
     if (rssi == 0) eventLine(kLogEvent, "Get Station %s RSSI failed!\n", text);
-    formatText(text, rssi == 0 ? "" : "%d", rssi);
+    formatText(text, "%.0d", rssi); // with this precision a 0 is no text at all
     setLeaf(station, "rssi", text);
 }
 
