@@ -1,12 +1,16 @@
 # Fuzz targets: with PENDRA_FUZZ (and clang) each is a libFuzzer program; otherwise it is the same program without the
 # fuzzer, which replays its corpus as a test.
-option(PENDRA_FUZZ "Instrument everything for libFuzzer (needs clang)" OFF)
-if(PENDRA_FUZZ)
-  if(NOT CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
-    message(FATAL_ERROR "PENDRA_FUZZ needs clang: -DCMAKE_C_COMPILER=clang -DCMAKE_CXX_COMPILER=clang++")
-  endif()
-  target_compile_options(pendra_options INTERFACE -fsanitize=fuzzer-no-link)
+option(PENDRA_FUZZ "Build the fuzz targets with libFuzzer (needs clang)" OFF)
+if(PENDRA_FUZZ AND NOT CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
+  message(FATAL_ERROR "PENDRA_FUZZ needs clang: -DCMAKE_C_COMPILER=clang -DCMAKE_CXX_COMPILER=clang++")
 endif()
+
+# The fuzzer is to find its way through this code. References and the fake device would only lead it astray.
+function(pendra_fuzz_sources target)
+  if(PENDRA_FUZZ)
+    target_compile_options(${target} PRIVATE -fsanitize=fuzzer-no-link)
+  endif()
+endfunction()
 
 # pendra_add_fuzz_target(NAME LIBRARIES...): the program fuzz_NAME of tests/fuzz/NAME.cpp, and the replay of
 # tests/fuzz/corpus/NAME.
