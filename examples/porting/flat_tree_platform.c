@@ -123,6 +123,7 @@ static size_t nextLine(size_t line) {
 
 /** @return the first line that begins with a path and then one of the characters; the tree's length without one. */
 static size_t findLine(const char* path, size_t length, const char* followers) {
+    if (path[0] != '/') return tree.length; /* what begins otherwise is no node, but may be a comment */
     size_t line = 0;
     for (; line < tree.length; line = nextLine(line)) {
         if (tree.length - line <= length || memcmp(tree.bytes + line, path, length) != 0) continue;

@@ -26,8 +26,8 @@
 /* [output] */
 /* The library prints a line on standard output for each message when there is no debug console. */
 static FILE* keepOutput(void) {
-    FILE* output = fdopen(dup(STDOUT_FILENO), "w");
-    return freopen("/dev/null", "w", stdout) == NULL ? NULL : output;
+    FILE* kept = fdopen(dup(STDOUT_FILENO), "w");
+    return freopen("/dev/null", "w", stdout) == NULL ? NULL : kept;
 }
 /* [end] */
 
@@ -52,8 +52,7 @@ static void blockAlarm(void) {
 /* [end] */
 
 /* [wait] */
-/* Waits a second at the most; a real host also waits for its sockets here. Seconds that a script took are made up for.
- */
+/* Waits a second at the most; a real host also waits for its sockets. Seconds that a script took are made up for. */
 static void waitForWork(void) {
     static uint32_t ticked;
     const struct timespec second = {1, 0};
