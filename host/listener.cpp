@@ -3,6 +3,7 @@
 #include <arpa/inet.h>
 #include <netdb.h>
 #include <netinet/in.h>
+#include <sys/resource.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -13,7 +14,8 @@ namespace pendra::host {
 
 namespace {
 
-constexpr int kBacklog = 64;
+// Those who come while a script runs wait in the kernel.
+constexpr int kBacklog = 256;
 
 using AddressList = std::unique_ptr<addrinfo, decltype(&freeaddrinfo)>;
 
@@ -55,6 +57,18 @@ int openListener(const std::string& address, uint16_t port, std::string& error) 
     error = "cannot listen on " + address + " port " + std::to_string(port) + ": " + std::strerror(errno);
     if (listener >= 0) close(listener);
     return -1;
+}
+
+bool allowDescriptors(size_t needed, std::string& error) {
+    rlimit limit = {};
+    getrlimit(RLIMIT_NOFILE, &limit);
+    if (limit.rlim_cur >= needed) return true;
+    const rlim_t allowed = limit.rlim_max;
+    limit.rlim_cur = needed;
+    if (needed <= allowed && setrlimit(RLIMIT_NOFILE, &limit) == 0) return true;
+    error = "so many connections need " + std::to_string(needed) + " open files, and " + std::to_string(allowed) +
+            " are allowed";
+    return false;
 }
 
 std::string listenerUrl(int listener) {

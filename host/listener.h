@@ -7,6 +7,7 @@
 
 #include <sys/socket.h>
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 
@@ -20,6 +21,9 @@ namespace pendra::host {
  * @return the descriptor, or -1 with one line for a person in @p error.
  */
 [[nodiscard]] int openListener(const std::string& address, uint16_t port, std::string& error);
+
+/** Raises the limit of open files when it is lower. @return whether it could; if not, @p error says so in one line. */
+[[nodiscard]] bool allowDescriptors(size_t needed, std::string& error);
 
 /** The "http://address:port" of a listening socket. */
 std::string listenerUrl(int listener);

@@ -24,7 +24,7 @@ int fail(const std::string& reason) {
 
 int serve(const Options& options) {
     std::string error;
-    Server server;
+    Server server(options.connections);
     if (!server.start(options.bindAddress, options.port, error)) return fail(error);
     logLine(5, "listening on " + server.url() + ", tree " + options.treeFile);
     std::printf("pendrad: listening on %s\n", server.url().c_str());

@@ -26,6 +26,9 @@ void addOptions(CLI::App& app, Options& options) {
     app.add_option("--log-level", options.logLevel, "0 (nearly nothing) to 7 (every step)")
         ->check(CLI::Range(0, 7))
         ->capture_default_str();
+    app.add_option("--connections", options.connections, "How many stay open at a time before the idle ones yield")
+        ->check(CLI::Range(8, 4096))
+        ->capture_default_str();
     app.set_version_flag("--version", std::string("pendrad, libpendra ") + pendraLibVersion());
     app.footer("Exit status: 0 stopped by SIGTERM or SIGINT, 1 could not start, 2 wrong usage.");
 }

@@ -5,11 +5,14 @@
 #ifndef PENDRA_HOST_OPTIONS_H
 #define PENDRA_HOST_OPTIONS_H
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
 
 namespace pendra::host {
+
+inline constexpr size_t kDefaultConnections = 128;
 
 struct Options {
     std::string treeFile;
@@ -19,6 +22,7 @@ struct Options {
     std::string bindAddress = "127.0.0.1";
     uint16_t port = 8480; /**< 0: any free one */
     int32_t logLevel = 5;
+    size_t connections = kDefaultConnections;
 };
 
 /**

@@ -29,6 +29,7 @@ struct Request {
     std::optional<Answer> refusal; /**< decided before or while the body came in; the body is then not kept */
     size_t received = 0;           /**< bytes of the body so far */
     bool started = false;
+    bool answered = false;     /**< the answer is on its way */
     unsigned commitTicket = 0; /**< the commit that follows the answer; 0: none */
 };
 

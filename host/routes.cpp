@@ -1,5 +1,7 @@
 #include "host/routes.h"
 
+#include <utility>
+
 #include "host/cross_site.h"
 #include "host/documents.h"
 #include "host/firmware.h"
@@ -88,6 +90,12 @@ Answer tooLong() {
     return textAnswer(MHD_HTTP_CONTENT_TOO_LARGE, "The body is longer than 1 MiB.");
 }
 
+// The body's memory is given back at once: an assigned empty text would keep it.
+void dropBody(Request& request, Answer reason) {
+    request.refusal = std::move(reason);
+    std::string().swap(request.body);
+}
+
 } // namespace
 
 std::optional<Answer> admitRequest(Request& request, std::string_view method, std::string_view path,
@@ -105,12 +113,15 @@ std::optional<Answer> admitRequest(Request& request, std::string_view method, st
     return std::nullopt;
 }
 
+void refuseBusy(Request& request) {
+    dropBody(request, textAnswer(MHD_HTTP_SERVICE_UNAVAILABLE, "The device is busy; try again in a moment."));
+}
+
 void receiveBody(Request& request, std::string_view stretch) {
     request.received += stretch.size();
     if (request.refusal) return;
     if (request.received > kMaxBody) {
-        request.refusal = tooLong();
-        request.body = {};
+        dropBody(request, tooLong());
         return;
     }
     request.body += stretch;

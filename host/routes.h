@@ -39,6 +39,9 @@ inline constexpr size_t kMaxBody = size_t{1} << 20;
 std::optional<Answer> admitRequest(Request& request, std::string_view method, std::string_view path,
                                    size_t declaredLength);
 
+/** Refuses a request whose body came in at a time when those of all requests were too much. */
+void refuseBusy(Request& request);
+
 /** Adds a stretch of the body to a request; a body that grows too long turns into a refusal. */
 void receiveBody(Request& request, std::string_view stretch);
 

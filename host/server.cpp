@@ -24,10 +24,16 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-constexpr unsigned kMaxConnections = 64;
 constexpr unsigned kIdleSeconds = 15;
+
+// Room for those that have been dismissed and not yet closed, so that new ones come in meanwhile.
+constexpr size_t kLeaving = 64;
+
+// What the host has open itself, with the scripts it starts.
+constexpr size_t kOwnDescriptors = 64;
+
 constexpr size_t kConnectionMemory = size_t{32} << 10;
-constexpr auto kDrainTime = std::chrono::seconds(3);
+constexpr auto kDrainTime = std::chrono::milliseconds(700);
 
 // A refused body is read on up to here, so that the client sees the refusal and not a broken connection.
 constexpr size_t kMaxDiscarded = size_t{16} << 20;
@@ -46,9 +52,14 @@ std::string clientOf(MHD_Connection* connection) {
     return info == nullptr ? "" : addressText(info->client_addr);
 }
 
-MHD_Result answer(MHD_Connection* connection, const Request& request, const Answer& answer) {
+Peer& peerOf(MHD_Connection* connection) {
+    return *static_cast<Peer*>(MHD_get_connection_info(connection, MHD_CONNECTION_INFO_SOCKET_CONTEXT)->socket_context);
+}
+
+MHD_Result answer(MHD_Connection* connection, Request& request, const Answer& answer) {
     const std::string path(request.route == nullptr ? "(no route)" : request.route->path);
     logLine(6, request.client + " " + path + " -> " + std::to_string(answer.status));
+    request.answered = true;
     return sendAnswer(connection, answer);
 }
 
@@ -118,6 +129,7 @@ Server::~Server() {
 }
 
 bool Server::start(const std::string& address, uint16_t port, std::string& error) {
+    if (!allowDescriptors(most_ + kLeaving + kOwnDescriptors, error)) return false;
     listener_ = openListener(address, port, error);
     if (listener_ < 0) return false;
     ticker_ = openTicker();
@@ -128,12 +140,12 @@ bool Server::start(const std::string& address, uint16_t port, std::string& error
 
 bool Server::startDaemon() {
     // The logger comes first, so that it hears of faults in the options behind it.
-    daemon_ =
-        MHD_start_daemon(MHD_USE_EPOLL | MHD_USE_ERROR_LOG, 0, nullptr, nullptr, onRequest, this,
-                         MHD_OPTION_EXTERNAL_LOGGER, logDaemonLine, nullptr, MHD_OPTION_LISTEN_SOCKET, listener_,
-                         MHD_OPTION_URI_LOG_CALLBACK, onRequestLine, this, MHD_OPTION_NOTIFY_COMPLETED, onCompleted,
-                         this, MHD_OPTION_CONNECTION_LIMIT, kMaxConnections, MHD_OPTION_CONNECTION_TIMEOUT,
-                         kIdleSeconds, MHD_OPTION_CONNECTION_MEMORY_LIMIT, kConnectionMemory, MHD_OPTION_END);
+    daemon_ = MHD_start_daemon(
+        MHD_USE_EPOLL | MHD_USE_ERROR_LOG, 0, nullptr, nullptr, onRequest, this, MHD_OPTION_EXTERNAL_LOGGER,
+        logDaemonLine, nullptr, MHD_OPTION_LISTEN_SOCKET, listener_, MHD_OPTION_URI_LOG_CALLBACK, onRequestLine, this,
+        MHD_OPTION_NOTIFY_COMPLETED, onCompleted, this, MHD_OPTION_NOTIFY_CONNECTION, onConnection, this,
+        MHD_OPTION_CONNECTION_LIMIT, static_cast<unsigned>(most_ + kLeaving), MHD_OPTION_CONNECTION_TIMEOUT,
+        kIdleSeconds, MHD_OPTION_CONNECTION_MEMORY_LIMIT, kConnectionMemory, MHD_OPTION_END);
     if (daemon_ == nullptr) return false;
     const auto* info = MHD_get_daemon_info(daemon_, MHD_DAEMON_INFO_EPOLL_FD);
     if (info != nullptr) events_ = info->epoll_fd;
@@ -168,7 +180,9 @@ void Server::wait() {
     if (MHD_get_timeout(daemon_, &milliseconds) == MHD_YES && milliseconds < 1000) {
         limit = {.tv_sec = 0, .tv_nsec = static_cast<long>(milliseconds) * 1'000'000};
     }
-    if (ppoll(sources, 2, &limit, &waitMask()) > 0 && sources[1].revents != 0) tick(ticker_);
+    if (ppoll(sources, 2, &limit, &waitMask()) <= 0 || sources[1].revents == 0) return;
+    tick(ticker_);
+    connections_.tick(); // once, however long a script ran: clients are not to pay for that
 }
 
 void Server::drain() {
@@ -193,23 +207,44 @@ void Server::commitAnswered() {
     answered_.clear();
 }
 
-void* Server::onRequestLine(void* self, const char* uri, MHD_Connection*) {
+void Server::onConnection(void* self, MHD_Connection* connection, void** peer, MHD_ConnectionNotificationCode code) {
+    auto& server = *static_cast<Server*>(self);
+    if (code == MHD_CONNECTION_NOTIFY_CLOSED) {
+        server.connections_.leave(*static_cast<Peer*>(*peer));
+        return;
+    }
+    const int socket = MHD_get_connection_info(connection, MHD_CONNECTION_INFO_CONNECTION_FD)->connect_fd;
+    *peer = &server.connections_.arrive(socket, clientOf(connection));
+}
+
+void* Server::onRequestLine(void* self, const char* uri, MHD_Connection* connection) {
     ++static_cast<Server*>(self)->active_;
     const std::string_view text = uri;
     const size_t mark = text.find('?');
     auto* request = new Request;
     if (mark != std::string_view::npos) request->query = text.substr(mark + 1);
+    peerOf(connection).request = request;
     request->cutPath = text.substr(0, mark).find("%00") != std::string_view::npos;
     return request;
 }
 
-MHD_Result Server::onRequest(void*, MHD_Connection* connection, const char* path, const char* method, const char*,
+// Answers that are refused here are sent when the rest of the body has been read, as 413 is.
+void Server::boundBodies(Peer& peer) {
+    Peer* heaviest = connections_.holdBody(peer, peer.request->body.capacity());
+    if (heaviest == nullptr) return;
+    refuseBusy(*heaviest->request);
+    connections_.holdBody(*heaviest, 0);
+}
+
+MHD_Result Server::onRequest(void* self, MHD_Connection* connection, const char* path, const char* method, const char*,
                              const char* upload, size_t* uploadSize, void** state) {
     auto& request = *static_cast<Request*>(*state);
     const std::string_view stretch(upload, *uploadSize);
     *uploadSize = 0;
     try {
-        return handle(connection, request, method, path, stretch);
+        const MHD_Result result = handle(connection, request, method, path, stretch);
+        static_cast<Server*>(self)->boundBodies(peerOf(connection));
+        return result;
     } catch (const std::exception& fault) {
         // No exception may cross the web server's C code.
         device::abandonRequest();
@@ -218,11 +253,12 @@ MHD_Result Server::onRequest(void*, MHD_Connection* connection, const char* path
     }
 }
 
-void Server::onCompleted(void* self, MHD_Connection*, void** state, MHD_RequestTerminationCode) {
+void Server::onCompleted(void* self, MHD_Connection* connection, void** state, MHD_RequestTerminationCode) {
     auto& server = *static_cast<Server*>(self);
     auto* request = static_cast<Request*>(*state);
     if (request == nullptr) return;
     --server.active_;
+    server.connections_.answered(peerOf(connection));
     // A client that went away before its answer arrived does not undo what it asked for.
     if (request->commitTicket != 0) server.answered_.push_back(request->commitTicket);
     delete request;

@@ -12,13 +12,16 @@
 #include <string_view>
 #include <vector>
 
+#include "host/connections.h"
+#include "host/options.h"
 #include "host/request.h"
 
 namespace pendra::host {
 
 class Server {
   public:
-    Server() = default;
+    /** @param connections that may stay at a time. */
+    explicit Server(size_t connections = kDefaultConnections) : connections_(connections), most_(connections) {}
     Server(const Server&) = delete;
     Server& operator=(const Server&) = delete;
     ~Server();
@@ -43,16 +46,20 @@ class Server {
     void serveOnce();
 
   private:
+    static void onConnection(void* self, MHD_Connection* connection, void** peer, MHD_ConnectionNotificationCode code);
     static void* onRequestLine(void* self, const char* uri, MHD_Connection* connection);
     static MHD_Result onRequest(void* self, MHD_Connection* connection, const char* path, const char* method,
                                 const char* version, const char* upload, size_t* uploadSize, void** state);
     static void onCompleted(void* self, MHD_Connection* connection, void** state, MHD_RequestTerminationCode reason);
 
     bool startDaemon();
+    void boundBodies(Peer& peer);
     void wait();
     void drain();
     void commitAnswered();
 
+    Connections connections_;
+    size_t most_;
     MHD_Daemon* daemon_ = nullptr;
     int listener_ = -1;
     int ticker_ = -1;

@@ -2,6 +2,7 @@
  * @file
  * pendrad as a program: options, start, stop.
  */
+#include <sys/resource.h>
 #include <unistd.h>
 
 #include <csignal>
@@ -25,8 +26,8 @@ TEST(HostOptions, Version_IsPrinted) {
 TEST(HostOptions, Help_NamesEveryOption) {
     const Ended ended = runHost({"--help"});
     EXPECT_EQ(ended.status, 0);
-    for (const char* option :
-         {"--tree", "--port", "--bind", "--tmp", "--scripts", "--device", "--log-level", "--version", "--help"}) {
+    for (const char* option : {"--tree", "--port", "--bind", "--tmp", "--scripts", "--device", "--log-level",
+                               "--connections", "--version", "--help"}) {
         EXPECT_NE(ended.output.find(option), std::string::npos) << option;
     }
 }
@@ -40,6 +41,7 @@ TEST(HostOptions, WrongUsage_EndsWith2AndSaysWhatIsWrong) {
         {"--tree", "x", "--port", "http"},
         {"--tree", "x", "--log-level", "8"},
         {"--tree", "x", "--log-level", "-1"},
+        {"--tree", "x", "--connections", "7"},
         {"--tree", "x", "--nonsense"},
         {"--tree", "x", "--tmp", "/tmp/" + std::string(60, 'd')}, // 65 characters, the log keeps 63
         {"--tree", "x", "extra"},
@@ -117,6 +119,18 @@ TEST_F(HostProgram, AddressThatIsNone_EndsWith1) {
     EXPECT_EQ(ended.errors, "pendrad: \"nowhere\" is not a numeric address to listen on\n");
 }
 
+TEST_F(HostProgram, MoreConnectionsThanFilesMayBeOpen_EndsWith1AndSaysSo) {
+    Launch launch = hostLaunch(files);
+    launch.command.insert(launch.command.end(), {"--connections", "200"});
+    launch.prepare = [] {
+        const rlimit limit{300, 300};
+        return ::setrlimit(RLIMIT_NOFILE, &limit) == 0;
+    };
+    const Ended ended = run(launch, std::chrono::seconds(10));
+    EXPECT_EQ(ended.status, 1);
+    EXPECT_EQ(ended.errors, "pendrad: so many connections need 328 open files, and 300 are allowed\n");
+}
+
 TEST_F(HostProgram, DirectoriesOfTheCommandLine_AreStoredInTheTree) {
     start();
     EXPECT_EQ(files.get("/bramble/tempdirecory"), files.tmp());
@@ -156,7 +170,9 @@ TEST_F(HostProgram, TerminatedDuringARequestThatNeverEnds_EndsAllTheSame) {
     Connection connection(host->port());
     connection.send("POST /zep/setup HTTP/1.1\r\nHost: device\r\nExpect: 100-continue\r\nContent-Length: 500\r\n\r\n");
     ASSERT_NE(connection.readUntil("100 Continue\r\n\r\n").find("100 Continue"), std::string::npos);
+    const auto begin = std::chrono::steady_clock::now();
     EXPECT_EQ(host->stop(), 0);
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(1));
     EXPECT_EQ(files.changedFiles(before), std::vector<std::string>{});
 }
 

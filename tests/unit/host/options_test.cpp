@@ -35,11 +35,12 @@ TEST(ParseOptions, TreeOnly_LeavesTheDefaults) {
     EXPECT_EQ(options.bindAddress, "127.0.0.1");
     EXPECT_EQ(options.port, 8480);
     EXPECT_EQ(options.logLevel, 5);
+    EXPECT_EQ(options.connections, 128u);
 }
 
 TEST(ParseOptions, EveryOption_IsTaken) {
     const auto [status, options] = parse({"--tree", "/t", "--tmp", "/tmp/x", "--scripts", "/s", "--device", "/d",
-                                          "--bind", "::1", "--port", "0", "--log-level", "7"});
+                                          "--bind", "::1", "--port", "0", "--log-level", "7", "--connections", "4096"});
     EXPECT_FALSE(status.has_value());
     EXPECT_EQ(options.tmpDirectory, "/tmp/x");
     EXPECT_EQ(options.scriptDirectory, "/s");
@@ -47,6 +48,7 @@ TEST(ParseOptions, EveryOption_IsTaken) {
     EXPECT_EQ(options.bindAddress, "::1");
     EXPECT_EQ(options.port, 0);
     EXPECT_EQ(options.logLevel, 7);
+    EXPECT_EQ(options.connections, 4096u);
 }
 
 TEST(ParseOptions, RelativePaths_BecomeAbsolute) {
@@ -75,6 +77,8 @@ TEST(ParseOptions, WrongUsage_EndsWith2) {
     EXPECT_EQ(parse({"--tree"}).status, 2);
     EXPECT_EQ(parse({"--tree", "/t", "--port", "65536"}).status, 2);
     EXPECT_EQ(parse({"--tree", "/t", "--log-level", "8"}).status, 2);
+    EXPECT_EQ(parse({"--tree", "/t", "--connections", "7"}).status, 2);
+    EXPECT_EQ(parse({"--tree", "/t", "--connections", "4097"}).status, 2);
     EXPECT_EQ(parse({"--tree", "/t", "more"}).status, 2);
 }
 

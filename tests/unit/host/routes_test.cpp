@@ -75,9 +75,21 @@ TEST_F(Routes, ReceivedLength_IsBounded) {
     ASSERT_TRUE(request.refusal.has_value());
     EXPECT_EQ(request.refusal->status, 413u);
     EXPECT_EQ(request.body, "");
-    receiveBody(request, half); // goes on coming, and is not kept
+    EXPECT_LT(request.body.capacity(), 100u); // and no memory is kept for it
+    receiveBody(request, half);               // goes on coming, and is not kept
     EXPECT_EQ(request.body, "");
     EXPECT_EQ(answerRequest(request).status, 413u);
+}
+
+TEST_F(Routes, BodyGivenUp_Is503AndTheRestIsNotKept) {
+    receiveBody(request, std::string(kMaxBody, 'x'));
+    refuseBusy(request);
+    EXPECT_LT(request.body.capacity(), 100u);
+    receiveBody(request, "more");
+    EXPECT_EQ(request.body, "");
+    const Answer answer = answerRequest(request);
+    EXPECT_EQ(answer.status, 503u);
+    EXPECT_EQ(answer.body, "The device is busy; try again in a moment.\n");
 }
 
 TEST_F(Routes, BodyThatIsEmptyOrHoldsANul_Is400) {
