@@ -63,11 +63,10 @@ int32_t commitLater(const Request& request) {
 
 int32_t setAll(const Request& request) {
     char list[ZEPVAR_VALUE_SIZE];
-    char failure[ZEPVAR_VALUE_SIZE] = "";
-    copyTextBounded(list, sizeof list, request.value);
-    const int32_t code = do_ZepVar_Parser(list, '&', failure, 0);
-    request.answer(code == kDone ? "" : failure);
-    return code;
+    copyText(list, request.value);
+    request.answer("");
+    const int32_t code = do_ZepVar_Parser(list, '&', request.value, 0); // answers with what failed
+    return code == kDone ? done(request) : code;
 }
 
 constexpr struct {
