@@ -49,7 +49,7 @@ add_library(pendra_objects OBJECT ${PENDRA_SOURCES})
 target_compile_features(pendra_objects PUBLIC cxx_std_20)
 target_compile_options(pendra_objects PRIVATE
   -fno-exceptions -fno-rtti -fno-threadsafe-statics -fsigned-char
-  -fvisibility=hidden -fvisibility-inlines-hidden -ffunction-sections -fdata-sections)
+  -fvisibility=hidden -fvisibility-inlines-hidden -ffunction-sections -fdata-sections ${PENDRA_LIBRARY_OPTIONS})
 target_include_directories(pendra_objects PRIVATE ${PROJECT_SOURCE_DIR} ${PROJECT_SOURCE_DIR}/include)
 target_compile_definitions(pendra_objects PRIVATE
   PENDRA_FW_SERVER="${PENDRA_FW_SERVER}" PENDRA_FW_ENG_SERVER="${PENDRA_FW_ENG_SERVER}")
@@ -67,11 +67,12 @@ list(JOIN exported ";\n    " exported)
 file(CONFIGURE OUTPUT ${PENDRA_VERSION_SCRIPT} CONTENT "PENDRA_1 {\n  global:\n    @exported@;\n  local:\n    *;\n};\n" @ONLY)
 set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${PENDRA_SYMBOLS})
 
+include(GNUInstallDirs)
 add_library(pendra SHARED $<TARGET_OBJECTS:pendra_objects>)
 add_library(pendra::pendra ALIAS pendra)
 set_target_properties(pendra PROPERTIES LINKER_LANGUAGE C VERSION ${PROJECT_VERSION} SOVERSION 1
   LINK_DEPENDS ${PENDRA_VERSION_SCRIPT})
-target_include_directories(pendra PUBLIC $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include> $<INSTALL_INTERFACE:include>)
+target_include_directories(pendra PUBLIC $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include> $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
 # Names such as crc32 or trim may be defined by others in the process. The library's own calls never reach those: they are
 # bound here, and only data stays open, which programs copy into themselves.
 target_link_options(pendra PRIVATE LINKER:--version-script=${PENDRA_VERSION_SCRIPT} LINKER:-Bsymbolic-functions

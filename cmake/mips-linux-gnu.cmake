@@ -8,3 +8,8 @@ set(CMAKE_FIND_ROOT_PATH /usr/mips-linux-gnu)
 set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
 set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
+# The library's code in the short encoding that these processors have (MIPS16e): two thirds of the text. Pass
+# -DPENDRA_LIBRARY_OPTIONS= for a processor without it.
+set(PENDRA_LIBRARY_OPTIONS -mips16 CACHE STRING "Compiler options for the library's own code")
+set(CMAKE_C_FLAGS_INIT -minterlink-mips16)
+set(CMAKE_CXX_FLAGS_INIT -minterlink-mips16)
