@@ -91,14 +91,17 @@ class ShrinkGuard {
     ShrinkGuard() {
         struct sigaction action = {};
         action.sa_handler = leaveReading;
-        sigaction(SIGBUS, &action, &previous_);
+        isSet_ = sigaction(SIGBUS, &action, &previous_) == 0;
     }
-    ~ShrinkGuard() { sigaction(SIGBUS, &previous_, nullptr); }
+    ~ShrinkGuard() {
+        if (isSet_) sigaction(SIGBUS, &previous_, nullptr);
+    }
     ShrinkGuard(const ShrinkGuard&) = delete;
     ShrinkGuard& operator=(const ShrinkGuard&) = delete;
 
   private:
     struct sigaction previous_ = {};
+    bool isSet_ = false;
 };
 
 // The header's own CRC is computed with its field taken as 0.
