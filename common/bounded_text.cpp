@@ -10,6 +10,13 @@ void copyTextBounded(char* destination, size_t capacity, const char* source) {
     destination[length] = '\0';
 }
 
+void joinPathBounded(char* path, size_t capacity, const char* parent, const char* child) {
+    copyTextBounded(path, capacity, parent);
+    size_t used = std::strlen(path);
+    if (used > 0 && used + 1 < capacity) path[used++] = '/';
+    copyTextBounded(path + used, capacity - used, child);
+}
+
 void formatText(TextField field, const char* format, ...) {
     va_list arguments;
     va_start(arguments, format);

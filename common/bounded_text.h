@@ -24,6 +24,13 @@ inline void copyText(TextField field, const char* source) {
     copyTextBounded(field.text, field.capacity, source);
 }
 
+// "parent/child"; the child alone where the parent is empty.
+void joinPathBounded(char* path, size_t capacity, const char* parent, const char* child);
+
+inline void joinPath(TextField path, const char* parent, const char* child) {
+    joinPathBounded(path.text, path.capacity, parent, child);
+}
+
 [[gnu::format(printf, 2, 3)]] void formatText(TextField field, const char* format, ...);
 
 // Formats behind the text that the field holds already.

@@ -22,11 +22,7 @@ namespace {
 
 void reportFault(int32_t code, const char* parentPath, const char* tag) {
     char message[128];
-    if (tag == nullptr) tag = "";
-    if (isEmpty(parentPath))
-        copyText(message, tag);
-    else
-        formatText(message, "%s/%s", parentPath, tag);
+    joinPath(message, parentPath, tag);
     write_ZepXml_ResultXml(code, message, 0);
 }
 

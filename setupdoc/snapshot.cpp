@@ -178,10 +178,6 @@ void readRows(Section& section, const char* base, const NodeRow (&rows)[Count]) 
     readTable(reinterpret_cast<char*>(&section), base, rows, Count);
 }
 
-void joinPath(TextField path, const char* parent, const char* child) {
-    formatText(path, "%s/%s", parent, child);
-}
-
 void readVersion(ZepSpecVersion& version) {
     version.major = readNodeInt("/bramble/specversion/major", 1);
     version.minor = readNodeInt("/bramble/specversion/minor", 1);

@@ -1,3 +1,6 @@
+#include <strings.h>
+
+#include <algorithm>
 #include <cstring>
 
 #include "common/bounded_text.h"
@@ -9,54 +12,50 @@ using namespace pendra;
 
 namespace {
 
-// The texts that a tag stands for in a document, each cut at 127 characters.
-struct TagPatterns {
-    explicit TagPatterns(const char* tag) {
-        formatText(opening, "<%s>", tag);
-        formatText(closing, "</%s>", tag);
-        formatText(selfClosing, "<%s/>", tag);
-        formatText(spacedSelfClosing, "<%s />", tag);
-    }
-    char opening[128];
-    char closing[128];
-    char selfClosing[128];
-    char spacedSelfClosing[128];
+constexpr size_t kTagMax = 127; // characters of a tag with its marks; what is longer is cut there
+
+// A tag as it stands in a document: "<" or "</", the name, and what ends it.
+struct Tag {
+    const char* lead;
+    const char* name;
+    const char* tail;
 };
 
-// Bounds a search by a NUL at the end of the stretch, and puts the byte there back.
-class StretchBound {
-  public:
-    StretchBound(char* buffer, int32_t length) {
-        if (length <= 0 || strnlen(buffer, static_cast<size_t>(length)) < static_cast<size_t>(length)) return;
-        if (buffer[length] == '\0') return;
-        end_ = buffer + length;
-        remembered_ = *end_;
-        *end_ = '\0';
-    }
-    ~StretchBound() {
-        if (end_ != nullptr) *end_ = remembered_;
-    }
-    StretchBound(const StretchBound&) = delete;
-    StretchBound& operator=(const StretchBound&) = delete;
+// Whether name and tail stand at a text. Most names differ in the first letter.
+bool standsAt(const char* text, const Tag& tag, size_t nameLength, size_t tailLength) {
+    constexpr int kCaseBit = 0x20;
+    if (nameLength > 0 && ((*text ^ *tag.name) & ~kCaseBit) != 0) return false;
+    return strncasecmp(text, tag.name, nameLength) == 0 && std::strncmp(text + nameLength, tag.tail, tailLength) == 0;
+}
 
-  private:
-    char* end_ = nullptr;
-    char remembered_ = '\0';
-};
+// The stretch ends at its length or at the text's NUL, whichever comes first. The lead's last character is searched:
+// few texts hold it but for their tags.
+char* findTag(char* start, size_t stretch, const Tag& tag) {
+    const size_t leadLength = std::strlen(tag.lead);
+    const size_t nameLength = strnlen(tag.name, kTagMax - leadLength);
+    const size_t tailLength = strnlen(tag.tail, kTagMax - leadLength - nameLength);
+    for (char* next = start; (next = std::strchr(next, tag.lead[leadLength - 1])) != nullptr;) {
+        const auto before = static_cast<size_t>(++next - start);
+        if (before + nameLength + tailLength > stretch) return nullptr;
+        char* found = next - leadLength;
+        if (before >= leadLength && *found == '<' && standsAt(next, tag, nameLength, tailLength)) return found;
+    }
+    return nullptr;
+}
 
 void store(int32_t* outLength, int32_t length) {
     if (outLength != nullptr) *outLength = length;
 }
 
-char* findContent(char* content, const TagPatterns& patterns, int32_t* outLength) {
-    const char* closing = strstri(content, patterns.closing);
+char* findContent(char* content, size_t length, const char* name, int32_t* outLength) {
+    const char* closing = findTag(content, length, {"</", name, ">"});
     store(outLength, closing == nullptr ? 0 : static_cast<int32_t>(closing - content));
     return closing == nullptr ? nullptr : content;
 }
 
-char* findSelfClosing(char* buffer, const TagPatterns& patterns) {
-    char* found = strstri(buffer, patterns.selfClosing);
-    return found != nullptr ? found : strstri(buffer, patterns.spacedSelfClosing);
+char* findSelfClosing(char* start, size_t length, const char* name) {
+    char* found = findTag(start, length, {"<", name, "/>"});
+    return found != nullptr ? found : findTag(start, length, {"<", name, " />"});
 }
 
 void reportLostKey(const char* parentPath, const char* tag) {
@@ -71,13 +70,13 @@ int32_t (*XmlErrMsg_LostKey)(const char* parentPath, const char* tag);
 
 char* FindXmlKeyContain_(char* buffer, int32_t length, const char* tag, int32_t* outLength, int32_t headerOnly) {
     if (buffer == nullptr || tag == nullptr) return nullptr;
-    const TagPatterns patterns(tag);
-    const StretchBound bound(buffer, length);
-    if (char* opening = strstri(buffer, patterns.opening)) {
+    const size_t stretch = length > 0 ? static_cast<size_t>(length) : SIZE_MAX;
+    if (char* opening = findTag(buffer, stretch, {"<", tag, ">"})) {
         if (headerOnly != 0) return opening;
-        return findContent(opening + std::strlen(patterns.opening), patterns, outLength);
+        char* content = opening + std::min(std::strlen(tag) + 2, kTagMax); // behind "<tag>"
+        return findContent(content, stretch - static_cast<size_t>(content - buffer), tag, outLength);
     }
-    char* selfClosing = findSelfClosing(buffer, patterns);
+    char* selfClosing = findSelfClosing(buffer, stretch, tag);
     if (selfClosing == nullptr || headerOnly == 0) store(outLength, 0);
     return selfClosing;
 }
@@ -129,7 +128,6 @@ int32_t GetXmlKeyIntValue(char* buffer, int32_t length, const char* parentPath, 
 
 char* prepareXmlBlockData(const char* parentPath, char* buffer, int32_t length, const char* tag, char* blockPath,
                           int32_t* outLength) {
-    constexpr int kBlockPathSize = 128;
     traceEntry("prepareXmlBlockData");
     char* content = FindXmlKeyContain(buffer, length, tag, outLength);
     if (content == nullptr) {
@@ -137,10 +135,7 @@ char* prepareXmlBlockData(const char* parentPath, char* buffer, int32_t length, 
         return nullptr;
     }
     if (blockPath == nullptr) return content;
-    if (isEmpty(parentPath))
-        std::snprintf(blockPath, kBlockPathSize, "%s", tag);
-    else
-        std::snprintf(blockPath, kBlockPathSize, "%s/%s", parentPath, tag);
+    joinPathBounded(blockPath, 128, parentPath, tag);
     return content;
 }
 
