@@ -30,6 +30,11 @@ namespace {
 constexpr const char* kConsoleFile = "/proc/tc3162/dbg_msg";
 constexpr unsigned long kGetMacTable = 0x8BFF;
 
+// Each libc has its own type for the requests of ioctl.
+template <typename Request>
+Request requestOf(int (*)(int, Request, ...));
+using IoctlRequest = decltype(requestOf(ioctl));
+
 template <typename Function>
 Function next(const char* name) {
     return reinterpret_cast<Function>(dlsym(RTLD_NEXT, name));
@@ -302,13 +307,13 @@ int system(const char* command) {
     return device().runShell ? pendra::test::runForReal(command) : device().shellStatus;
 }
 
-int sysinfo(struct sysinfo* info) noexcept {
+int sysinfo(struct sysinfo* info) {
     *info = {};
-    info->uptime = device().uptime;
+    info->uptime = static_cast<decltype(info->uptime)>(device().uptime);
     return 0;
 }
 
-int socket(int domain, int type, int protocol) noexcept {
+int socket(int domain, int type, int protocol) {
     if (device().socketFails) {
         errno = EMFILE;
         return -1;
@@ -317,23 +322,24 @@ int socket(int domain, int type, int protocol) noexcept {
     return realSocket(domain, type, protocol);
 }
 
-int ioctl(int descriptor, unsigned long request, ...) noexcept {
+int ioctl(int descriptor, pendra::test::IoctlRequest request, ...) {
     va_list arguments;
     va_start(arguments, request);
     void* argument = va_arg(arguments, void*);
     va_end(arguments);
-    if (request == pendra::test::kGetMacTable) return pendra::test::answerMacTable(argument);
-    return pendra::test::next<int (*)(int, unsigned long, void*)>("ioctl")(descriptor, request, argument);
+    if (static_cast<unsigned long>(request) == pendra::test::kGetMacTable)
+        return pendra::test::answerMacTable(argument);
+    return pendra::test::next<int (*)(int, pendra::test::IoctlRequest, void*)>("ioctl")(descriptor, request, argument);
 }
 
-sighandler_t signal(int number, sighandler_t handler) noexcept {
+sighandler_t signal(int number, sighandler_t handler) {
     device().events.push_back("signal " + std::to_string(number));
     const sighandler_t previous = device().alarmHandler;
     if (number == SIGALRM) device().alarmHandler = handler;
     return previous;
 }
 
-unsigned alarm(unsigned seconds) noexcept {
+unsigned alarm(unsigned seconds) {
     device().events.push_back("alarm " + std::to_string(seconds));
     return 0;
 }
@@ -347,9 +353,9 @@ void* __wrap_calloc(size_t count, size_t size) {
     return nullptr;
 }
 
-int setitimer(__itimer_which_t which, const struct itimerval* value, struct itimerval*) noexcept {
+int setitimer(int which, const struct itimerval* value, struct itimerval*) {
     char text[96];
-    snprintf(text, sizeof text, "setitimer %d %ld.%06ld every %ld.%06ld", static_cast<int>(which),
+    snprintf(text, sizeof text, "setitimer %d %ld.%06ld every %ld.%06ld", which,
              static_cast<long>(value->it_value.tv_sec), static_cast<long>(value->it_value.tv_usec),
              static_cast<long>(value->it_interval.tv_sec), static_cast<long>(value->it_interval.tv_usec));
     device().events.emplace_back(text);

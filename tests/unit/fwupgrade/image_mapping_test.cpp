@@ -163,7 +163,7 @@ TEST_F(ImageMapping, AfterAFileThatShrank_EverythingIsAsBefore) {
 
 extern "C" {
 
-void* mmap(void* start, size_t size, int protection, int flags, int descriptor, off_t offset) noexcept {
+void* mmap(void* start, size_t size, int protection, int flags, int descriptor, off_t offset) {
     using Function = void* (*)(void*, size_t, int, int, int, off_t);
     static const auto realMmap = reinterpret_cast<Function>(dlsym(RTLD_NEXT, "mmap"));
     if (!watch().watches || descriptor < 0) return realMmap(start, size, protection, flags, descriptor, offset);
@@ -179,7 +179,7 @@ void* mmap(void* start, size_t size, int protection, int flags, int descriptor, 
     return mapping;
 }
 
-int munmap(void* start, size_t size) noexcept {
+int munmap(void* start, size_t size) {
     static const auto realMunmap = reinterpret_cast<int (*)(void*, size_t)>(dlsym(RTLD_NEXT, "munmap"));
     if (watch().watches) watch().unmapped.push_back({start, size});
     return realMunmap(start, size);
