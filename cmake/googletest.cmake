@@ -22,3 +22,10 @@ add_library(gtest_main STATIC ${PENDRA_GOOGLETEST_SOURCES}/src/gtest_main.cc)
 target_link_libraries(gtest_main PUBLIC gtest)
 add_library(GTest::gtest ALIAS gtest)
 add_library(GTest::gtest_main ALIAS gtest_main)
+
+# What a toolchain file's C++ library needs besides the target's libc.
+if(PENDRA_CXX_RUNTIME)
+  add_library(cxx_runtime OBJECT ${PENDRA_CXX_RUNTIME})
+  target_link_libraries(cxx_runtime PRIVATE pendra_options)
+  target_link_libraries(gtest INTERFACE $<TARGET_OBJECTS:cxx_runtime> -static-libstdc++)
+endif()
