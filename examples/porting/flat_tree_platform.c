@@ -65,7 +65,9 @@ const char* flatTreeProblem(void) {
 
 /* --- What a node takes --- */
 
-/* Texts that the library puts into shell commands as they are: none may leave its quotes or split the command. */
+/* [guards] */
+/* Texts that the library puts into shell commands as they are: none may leave its quotes or split the command. The
+   ranges are those of the C locale, which a host keeps by not calling setlocale(). */
 #define PLAIN "A-Za-z0-9_.+,:@%="
 #define FILE_NAME "^[" PLAIN "-]*[A-Za-z0-9_+,:@%=-][" PLAIN "-]*$|^[.]{3,}$"
 #define ADDRESS "^https?://[]!#%-Z[^_a-~]*$"
@@ -85,6 +87,7 @@ static const struct {
     {"/runtime/easyroaming/deauthsta/ifname", 15, "^[A-Za-z0-9][" PLAIN "-]*$"},
     {"/runtime/easyroaming/deauthsta/mac", 17, "^([0-9A-Fa-f]{2}:){5}[0-9A-Fa-f]{2}$"},
 };
+/* [end] */
 
 static int matches(const char* text, const char* pattern) {
     regex_t expression;
@@ -205,6 +208,7 @@ static ssize_t readAll(int file, char* bytes, size_t size) {
     return (ssize_t)length;
 }
 
+/* [replace] */
 /** Whoever looks, also after a power cut, finds the whole old file or the whole new one. */
 static int replaceFile(const char* name, int (*fill)(int file, const char* name)) {
     char temporary[fileNameSize];
@@ -219,6 +223,7 @@ static int replaceFile(const char* name, int (*fill)(int file, const char* name)
     unlink(temporary);
     return -1;
 }
+/* [end] */
 
 /** The new name itself survives a power cut only when its directory is on the disk. */
 static int syncDirectoryOf(const char* name) {
@@ -324,6 +329,7 @@ static void formatPath(char* path, const char* format, va_list arguments) {
     if (length < 0 || length >= pathSize) path[0] = '\0';
 }
 
+/* [read] */
 int xget_str(char* destination, const char* pathFormat, ...) {
     char path[pathSize];
     va_list arguments;
@@ -332,6 +338,7 @@ int xget_str(char* destination, const char* pathFormat, ...) {
     va_end(arguments);
     return readNode(destination, path);
 }
+/* [end] */
 
 static int asNumber(const char* text) {
     char* end = NULL;

@@ -159,7 +159,6 @@ static char* readDocument(const char* file) {
     return NULL;
 }
 
-/* [road] */
 static int goTheRoad(char* document) {
     if (logIn("192.0.2.7") != 0 || postDocument(document) != 0) return -1;
     if (postForm("zep_Wl2_WirelessName=Tea+%26+biscuits&zep_Wl2_Channel=11") != 0) return -1;
@@ -169,7 +168,6 @@ static int goTheRoad(char* document) {
     fprintf(output, "variable: the radio is \"%s\"\n", getZepVar("zep_Wl2_WirelessName"));
     return 0;
 }
-/* [end] */
 
 int main(int argc, char** argv) {
     output = keepOutput();
