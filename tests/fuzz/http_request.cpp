@@ -1,5 +1,5 @@
-// Requests to the host: bytes as a client sends them on one connection, on the fake device. A "!" in front is a client
-// that is not admitted. The host answers or closes, its answers are well formed, and it goes on serving.
+// Requests to the host: bytes as a client sends them on one connection, on the fake device; first from a client that is
+// not admitted, then from one that is. The host answers or closes, its answers are well formed, and it goes on serving.
 #include <arpa/inet.h>
 #include <sys/socket.h>
 #include <unistd.h>
@@ -197,16 +197,20 @@ void checkAlive() {
 
 } // namespace
 
-int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-    Input input(data, size);
-    const bool stranger = input.flag('!');
-    const std::string request = input.bytes();
-    startHost(!stranger);
+// Nothing that a client sends changes anything before it has shown a key.
+void checkStranger(const std::string& request) {
+    startHost(false);
     checkAnswers(Connection().exchange(request));
-    if (stranger && !carriesKey(request)) {
-        require(device().treeWrites().empty(), "a client that is not admitted changes nothing");
-        require(device().commands().empty(), "a client that is not admitted runs nothing");
-    }
+    if (carriesKey(request)) return;
+    require(device().treeWrites().empty(), "a client that is not admitted changes nothing");
+    require(device().commands().empty(), "a client that is not admitted runs nothing");
+}
+
+int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+    const std::string request = Input(data, size).bytes();
+    checkStranger(request);
+    startHost(true);
+    checkAnswers(Connection().exchange(request));
     checkRecord();
     checkAlive();
     return 0;

@@ -58,6 +58,39 @@ void checkAgreement(int32_t set, int32_t checked) {
     if (set != 1) requireEqual(checked, set, "a check and a set give the same code");
 }
 
+// The code of a set, from the rules and validators alone; nothing for the names that are not listed.
+std::optional<int32_t> expectedCode(const Call& call) {
+    const ZepDevice& device = zepXmlData.device;
+    const ZepUpLink& upLink = device.upLink;
+    const auto needs = [&](bool configurable, int32_t code) { return configurable ? code : 1; };
+    const auto rule = [&](const char* text) { return referenceValidate(call.value, text); };
+    if (call.name == "zep_DeviceName") return rule(device.DeviceNameRule);
+    if (call.name == "zep_DevicePwd") return rule(device.DevicePwdRule);
+    if (call.name == "zep_Upl_LoginUserName") return needs(upLink.Configurable != 0, rule(upLink.LoginUserNameRule));
+    if (call.name == "zep_Upl_LoginPassword") return needs(upLink.Configurable != 0, rule(upLink.LoginPasswordRule));
+    for (const auto& [prefix, radio] : {std::pair<std::string, const ZepWireless&>{"zep_Wl2_", device.wireless[0]},
+                                        {"zep_Wl5_", device.wireless[1]}}) {
+        const bool configurable = radio.Configurable != 0;
+        if (call.name == prefix + "WirelessName") return needs(configurable, rule(radio.WirelessNameRule));
+        if (call.name == prefix + "EncryptionKey") return needs(configurable, rule(radio.EncryptionKeyRule));
+    }
+    return std::nullopt;
+}
+
+// Addresses must be valid and fit their fields, flags be 0 or 1.
+void checkRefusals(const Call& call, int32_t code) {
+    if (const auto expected = expectedCode(call)) return requireEqual(code, *expected, "a rule decides");
+    if (code != 0) return;
+    const bool fits = call.value.size() < 16;
+    for (const char* name : {"zep_Upl_IP", "zep_Upl_Gateway", "zep_Upl_DNS"})
+        if (call.name == name) require(fits && referenceIsAddress(call.value).value_or(true), "an address", call.value);
+    if (call.name == "zep_Upl_NetMask")
+        require(fits && referenceIsNetmask(call.value).value_or(true), "a netmask", call.value);
+    const bool isFlag = call.name.rfind("zep_Wdn_", 0) == 0 || call.name == "zep_Upl_Ets_Survey";
+    const auto number = referenceNumber(call.value);
+    if (isFlag) require(!number || *number == 0 || *number == 1, "a flag", call.value);
+}
+
 // The text comes back; a number in its own spelling, a name in the table's. A rule's Active goes into another rule.
 void checkStored(const Call& call) {
     const Outcome stored = perform(call.name, "", ZEPVAR_GET);
@@ -93,6 +126,7 @@ void checkCall(const Call& call) {
     const Outcome outcome = perform(call.name, call.value, call.flags);
     require(isKnownCode(outcome.code), "a code of the list", std::to_string(outcome.code));
     require(device().events.empty(), "a variable writes and runs nothing", call.name);
+    if (call.sets() && !call.gets()) checkRefusals(call, outcome.code);
     const bool stores = call.sets() && outcome.code == 0;
     if (!stores) require(equalsRecord(before), "a refused value leaves the record as it was", call.name);
     if (call.sets() && !call.gets()) checkAgreement(outcome.code, check.code);
