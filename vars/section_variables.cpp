@@ -33,12 +33,7 @@ int32_t accessAcRule(const VariableName& name, const Request& request, ZepAccess
     return accessVariable({kAcRuleVariables, &access.acRule[target], base}, name.part(4), request);
 }
 
-int32_t accessAccessControl(const VariableName& name, const Request& request, ZepAccessControl& access,
-                            const char* radioBase) {
-    const NodePath base("%s/accesscontrol", radioBase);
-    if (name.count() == 3) return accessVariable({kAccessVariables, &access, base}, name.part(3), request);
-    return name.count() == 4 ? accessAcRule(name, request, access) : static_cast<int32_t>(kRefused);
-}
+constexpr const char* kRadioBases[] = {"/lan/wireless2.4:1", "/lan/wireless5:1"};
 
 constexpr Section kVersionSection = {kVersionVariables, &zepXmlData.specVersion, "/specversion"};
 constexpr Section kUpLinkSection = {kUpLinkVariables, &zepXmlData.device.upLink, "/uplink"};
@@ -84,9 +79,12 @@ int32_t accessWireless(const VariableName& name, const Request& request) {
     const int index = name.begins(1, "Wl2") ? 0 : 1;
     ZepWireless& radio = zepXmlData.device.wireless[index];
     if (request.sets() && radio.Configurable == 0) return kNotConfigurable;
-    const NodePath base("/lan/wireless%s:1", WirelessTypeArray[index]);
-    if (name.count() > 2 && name.begins(2, "Acl")) return accessAccessControl(name, request, radio.accessControl, base);
-    return accessVariable({kWirelessVariables, &radio, base}, name.part(2), request);
+    if (name.count() == 2 || !name.begins(2, "Acl"))
+        return accessVariable({kWirelessVariables, &radio, kRadioBases[index]}, name.part(2), request);
+    if (name.count() == 4) return accessAcRule(name, request, radio.accessControl);
+    if (name.count() != 3) return kRefused;
+    const NodePath base("%s/accesscontrol", kRadioBases[index]);
+    return accessVariable({kAccessVariables, &radio.accessControl, base}, name.part(3), request);
 }
 
 int32_t accessSafety(const VariableName& name, const Request& request) {

@@ -123,6 +123,10 @@ void store(const Section& section, const Variable& variable, const GivenValue& g
     if (variable.kind == Kind::name) storeNumber(section, variable.partnerOffset, given.row);
 }
 
+bool isLive(Kind kind) {
+    return kind == Kind::liveText || kind == Kind::liveNumber || kind == Kind::expandedText;
+}
+
 NodePath pathAnswer(const Section& section, const Variable& variable) {
     const char* leaf = variable.answer == nullptr ? variable.leaf : variable.answer;
     return *leaf == '/' ? NodePath("%s", leaf) : NodePath("%s/%s", section.base, leaf);
@@ -134,34 +138,24 @@ int32_t answerNumber(const Request& request, int32_t number) {
     return request.answer(text);
 }
 
-int32_t answerExpanded(const Request& request, const char* path) {
+// The text of a node, with the device's keywords replaced where that is asked for.
+int32_t answerNode(const Request& request, const char* path, bool expand) {
     char text[kKeywordTextSize];
     readNode(text, path);
-    return request.answer(changeZepKeywordsBounded(text, sizeof text));
+    return request.answer(expand ? changeZepKeywordsBounded(text, sizeof text) : text);
 }
 
-int32_t answerText(const Request& request, const char* path) {
-    char text[ZEPVAR_VALUE_SIZE];
-    readNode(text, path);
-    return request.answer(text);
-}
-
+// A path is put together only where it is the answer or leads to it.
 int32_t get(const Section& section, const Variable& variable, const Request& request) {
+    if (!request.asksForPath()) {
+        if (variable.kind == Kind::number) return answerNumber(request, numberOf(section, variable));
+        if (!isLive(variable.kind)) return request.answer(fieldOf(section, variable.offset));
+    }
     const NodePath answer = pathAnswer(section, variable);
     if (request.asksForPath()) return request.answer(answer);
     const char* source = variable.source == nullptr ? static_cast<const char*>(answer) : variable.source;
-    switch (variable.kind) {
-        case Kind::number:
-            return answerNumber(request, numberOf(section, variable));
-        case Kind::liveNumber:
-            return answerNumber(request, readNodeInt(source, variable.whenAbsent));
-        case Kind::liveText:
-            return answerText(request, source);
-        case Kind::expandedText:
-            return answerExpanded(request, source);
-        default:
-            return request.answer(fieldOf(section, variable.offset));
-    }
+    if (variable.kind == Kind::liveNumber) return answerNumber(request, readNodeInt(source, variable.whenAbsent));
+    return answerNode(request, source, variable.kind == Kind::expandedText);
 }
 
 int32_t access(const Section& section, const Variable& variable, const Request& request) {
