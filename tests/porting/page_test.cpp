@@ -115,7 +115,7 @@ void expectOwnBuild(const Scratch& scratch) {
         EXPECT_EQ(cache.find(package), std::string::npos) << package;
     for (const char* library : {"libpendra.so", "libpendra.a"}) {
         const Ran check = run(scratch, PENDRA_CHECK_UNDEFINED " " + scratch.file("build/") + library +
-                                           " " PENDRA_SOURCE "/include/pendra/platform.h " PENDRA_C_LIBRARY);
+                                           " " PENDRA_SOURCE "/include/pendra/platform.h " PENDRA_C_LIBRARIES);
         EXPECT_EQ(check.status, 0) << check.output << check.errors;
     }
 }
