@@ -1,5 +1,6 @@
 #include "host/connections.h"
 
+#include <poll.h>
 #include <sys/socket.h>
 
 #include <algorithm>
@@ -17,6 +18,11 @@ constexpr unsigned kLeaveSeconds = 2;
 
 // All bodies together. One of the longest kind fits several times, so an honest client alone is never refused.
 constexpr size_t kMostHeld = size_t{4} << 20;
+
+bool hasHungUp(int socket) {
+    pollfd source{socket, POLLRDHUP, 0};
+    return poll(&source, 1, 0) > 0;
+}
 
 } // namespace
 
@@ -70,13 +76,15 @@ void Connections::answered(Peer& peer) {
     peers_.splice(peers_.end(), peers_, peer.place);
 }
 
+// The end of a client that came together with its last bytes has escaped the web server: to it, all that was there has
+// been read. A dismissal makes it look again.
 void Connections::tick() {
     ++now_;
     for (Peer& peer : peers_) {
-        if (now_ - peer.since < (peer.leaving ? kLeaveSeconds : kRequestSeconds)) continue;
+        const unsigned seconds = now_ - peer.since;
         if (peer.leaving) {
-            shutdown(peer.socket, SHUT_RDWR);
-        } else {
+            if (seconds >= kLeaveSeconds) shutdown(peer.socket, SHUT_RDWR);
+        } else if (seconds >= kRequestSeconds || hasHungUp(peer.socket)) {
             dismiss(peer);
         }
     }

@@ -39,7 +39,7 @@ class Connections {
     /** An answer has been sent: nobody has been idle for a shorter time. */
     void answered(Peer& peer);
 
-    /** A second has passed in which requests were served. Who has been without an answer for too long is cut off. */
+    /** A second of serving has passed. Who has hung up, or been without an answer for too long, is dismissed. */
     void tick();
 
     /**

@@ -14,8 +14,9 @@ namespace pendra::host {
 
 namespace {
 
-// Those who come while a script runs wait in the kernel.
-constexpr int kBacklog = 256;
+// Those who come in a rush, or while a script runs, wait in the kernel. When it has no more room, they try again a
+// second later, and so does everybody else.
+constexpr int kBacklog = 1024;
 
 using AddressList = std::unique_ptr<addrinfo, decltype(&freeaddrinfo)>;
 

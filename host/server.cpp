@@ -32,8 +32,13 @@ constexpr size_t kLeaving = 64;
 // What the host has open itself, with the scripts it starts.
 constexpr size_t kOwnDescriptors = 64;
 
-constexpr size_t kConnectionMemory = size_t{32} << 10;
-constexpr auto kDrainTime = std::chrono::milliseconds(700);
+// Above 32 KiB the web server takes it from the kernel, page by page as it is needed, and gives it back with the
+// connection. Less would stay in the allocator after a rush.
+constexpr size_t kConnectionMemory = size_t{36} << 10;
+constexpr auto kDrainTime = std::chrono::milliseconds(500);
+// Milliseconds that the loop waits at most.
+constexpr unsigned kWaitStep = 1000;
+constexpr unsigned kDrainStep = 50;
 
 // A refused body is read on up to here, so that the client sees the refusal and not a broken connection.
 constexpr size_t kMaxDiscarded = size_t{16} << 20;
@@ -159,7 +164,7 @@ std::string Server::url() const {
 void Server::run() {
     while (!stopRequested()) {
         serveOnce();
-        wait();
+        wait(kWaitStep);
     }
     drain();
 }
@@ -173,13 +178,12 @@ void Server::serveOnce() {
     commitAnswered();
 }
 
-void Server::wait() {
+void Server::wait(unsigned most) {
     pollfd sources[] = {{events_, POLLIN, 0}, {ticker_, POLLIN, 0}};
-    MHD_UNSIGNED_LONG_LONG milliseconds = 0;
-    timespec limit = {.tv_sec = 1, .tv_nsec = 0};
-    if (MHD_get_timeout(daemon_, &milliseconds) == MHD_YES && milliseconds < 1000) {
-        limit = {.tv_sec = 0, .tv_nsec = static_cast<long>(milliseconds) * 1'000'000};
-    }
+    MHD_UNSIGNED_LONG_LONG due = 0;
+    const bool isDue = MHD_get_timeout(daemon_, &due) == MHD_YES && due < most;
+    const long milliseconds = isDue ? static_cast<long>(due) : static_cast<long>(most);
+    const timespec limit = {.tv_sec = milliseconds / 1000, .tv_nsec = milliseconds % 1000 * 1'000'000};
     if (ppoll(sources, 2, &limit, &waitMask()) <= 0 || sources[1].revents == 0) return;
     tick(ticker_);
     connections_.tick(); // once, however long a script ran: clients are not to pay for that
@@ -191,7 +195,7 @@ void Server::drain() {
     const auto end = Clock::now() + kDrainTime;
     while (active_ > 0 && Clock::now() < end) {
         serveOnce();
-        wait();
+        wait(kDrainStep);
     }
     MHD_stop_daemon(daemon_);
     daemon_ = nullptr;

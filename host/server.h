@@ -54,7 +54,7 @@ class Server {
 
     bool startDaemon();
     void boundBodies(Peer& peer);
-    void wait();
+    void wait(unsigned most);
     void drain();
     void commitAnswered();
 

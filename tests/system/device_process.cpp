@@ -52,7 +52,7 @@ std::string awaitAnnouncement(Process& process) {
 Launch hostLaunch(const DeviceFiles& files, const HostOptions& options) {
     return {.command = {PENDRA_HOST, "--tree", files.tree(), "--tmp", files.tmp(), "--scripts", files.scripts(),
                         "--device", files.hardware(), "--port", std::to_string(options.port), "--log-level",
-                        std::to_string(options.logLevel)},
+                        std::to_string(options.logLevel), "--connections", std::to_string(options.connections)},
             .environment = {std::string("PENDRA_XTREE=") + PENDRA_XTREE},
             .prepare = [options] { return restrict(options); }};
 }

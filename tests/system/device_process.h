@@ -5,6 +5,7 @@
 #ifndef PENDRA_TESTS_SYSTEM_DEVICE_PROCESS_H
 #define PENDRA_TESTS_SYSTEM_DEVICE_PROCESS_H
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -19,6 +20,7 @@ struct HostOptions {
     uint16_t port = 0;              /**< 0: any free one */
     bool bindByPermissions = false; /**< the permissions of files hold for it, even when the tests run as root */
     uint64_t largestFile = 0;       /**< bytes; a file that would grow beyond cannot be written; 0: no such limit */
+    size_t connections = 128;
 };
 
 /** @return how to start pendrad on a device, as it is started when nothing else is said. */

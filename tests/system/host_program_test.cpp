@@ -120,8 +120,7 @@ TEST_F(HostProgram, AddressThatIsNone_EndsWith1) {
 }
 
 TEST_F(HostProgram, MoreConnectionsThanFilesMayBeOpen_EndsWith1AndSaysSo) {
-    Launch launch = hostLaunch(files);
-    launch.command.insert(launch.command.end(), {"--connections", "200"});
+    Launch launch = hostLaunch(files, {.connections = 200});
     launch.prepare = [] {
         const rlimit limit{300, 300};
         return ::setrlimit(RLIMIT_NOFILE, &limit) == 0;

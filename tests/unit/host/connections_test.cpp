@@ -139,6 +139,20 @@ TEST_F(YieldingConnections, RequestOfAMinute_IsDismissedAndThenCutOff) {
     EXPECT_TRUE(ends[0].isCutOff());
 }
 
+TEST_F(YieldingConnections, OneThatHungUp_IsDismissedInTheNextSecond) {
+    arrive(ends[0], "192.0.2.1");
+    arrive(ends[1], "192.0.2.1");
+    ASSERT_EQ(send(ends[0].client(), "GET", 3, 0), 3);
+    ASSERT_EQ(shutdown(ends[0].client(), SHUT_WR), 0);
+    pass(1);
+    arrive(ends[2], "192.0.2.1");
+    arrive(ends[3], "192.0.2.1"); // there is room
+    EXPECT_FALSE(ends[1].isDismissed());
+    char text[8] = "";
+    EXPECT_EQ(recv(ends[0].host(), text, sizeof text, 0), 3); // which is still to be served
+    EXPECT_EQ(send(ends[0].host(), "200", 3, MSG_NOSIGNAL), 3);
+}
+
 TEST_F(YieldingConnections, Answer_GivesAnotherMinute) {
     Peer& peer = arrive(ends[0], "192.0.2.1");
     pass(59);
