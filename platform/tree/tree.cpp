@@ -3,7 +3,9 @@
 #include <fcntl.h>
 #include <lmdb.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <utility>
 
@@ -33,6 +35,44 @@ std::string inWords(int code) {
 void closeInChildren(MDB_env* env) {
     mdb_filehandle_t descriptor = -1;
     if (mdb_env_get_fd(env, &descriptor) == 0) ::fcntl(descriptor, F_SETFD, FD_CLOEXEC);
+}
+
+bool exists(const std::string& file) {
+    struct stat status {};
+    return stat(file.c_str(), &status) == 0;
+}
+
+/**
+ * Makes an empty tree. The file appears whole or not at all: one that was cut while it was made would be no tree, and
+ * would be in the way of every later try.
+ */
+int createFile(const std::string& file) {
+    const std::string draft = file + "." + std::to_string(::getpid()) + ".new";
+    MDB_env* env = nullptr;
+    int code = mdb_env_create(&env);
+    if (code == 0) code = mdb_env_open(env, draft.c_str(), MDB_NOSUBDIR | MDB_NOLOCK, ownerOnly);
+    if (code == 0) code = mdb_env_sync(env, 1);
+    if (env) mdb_env_close(env);
+    // Who else has made it meanwhile may have written into it. Not every file system has links.
+    if (code == 0 && ::link(draft.c_str(), file.c_str()) != 0 && errno != EEXIST &&
+        ::rename(draft.c_str(), file.c_str()) != 0)
+        code = errno;
+    ::unlink(draft.c_str());
+    return code;
+}
+
+/**
+ * LMDB maps its lock file and writes there. On a full disk, a page that the file system has promised and cannot give
+ * would end the process.
+ */
+int reserveLockFile(const std::string& file) {
+    constexpr off_t size = 8192; // LMDB's own, for 126 readers
+    const int descriptor = ::open((file + "-lock").c_str(), O_RDWR | O_CREAT | O_CLOEXEC, ownerOnly);
+    if (descriptor < 0) return 0; // LMDB goes without it or says why it cannot
+    const int code = ::posix_fallocate(descriptor, 0, size);
+    ::close(descriptor);
+    const bool cannotReserve = code == EOPNOTSUPP || code == EINVAL;
+    return cannotReserve ? 0 : code;
 }
 
 /** Goes over the keys that begin with a prefix. */
@@ -111,12 +151,14 @@ int removeSubtree(MDB_txn* transaction, MDB_dbi nodes, std::string_view path) {
 /** What a read looks into: the open transaction, or else a snapshot of its own. */
 class Tree::Reading {
   public:
-    explicit Reading(Tree& tree) : owned_(tree.transaction_ == nullptr), transaction_(tree.transaction_) {
+    explicit Reading(Tree& tree) : tree_(tree), owned_(tree.transaction_ == nullptr), transaction_(tree.transaction_) {
         if (owned_) code_ = tree.beginTransaction(MDB_RDONLY, transaction_);
+        ++tree_.readings_;
     }
     Reading(const Reading&) = delete;
     Reading& operator=(const Reading&) = delete;
     ~Reading() {
+        --tree_.readings_;
         if (owned_ && transaction_) mdb_txn_abort(transaction_);
     }
 
@@ -124,6 +166,7 @@ class Tree::Reading {
     [[nodiscard]] MDB_txn* transaction() const { return transaction_; }
 
   private:
+    Tree& tree_;
     bool owned_;
     MDB_txn* transaction_;
     int code_ = 0;
@@ -131,22 +174,12 @@ class Tree::Reading {
 
 bool Tree::open(const std::string& file, Access access, std::string& error, MapSize mapSize) {
     close();
+    access_ = access;
     mapSize_ = mapSize;
-    struct stat status {};
-    int code = access != Access::write && stat(file.c_str(), &status) != 0 ? errno : 0;
-    if (code == 0) code = mdb_env_create(&env_);
-    if (code == 0) code = mdb_env_set_mapsize(env_, mapSize_.first);
-    const unsigned flags = MDB_NOSUBDIR | (access == Access::read ? MDB_RDONLY : 0u);
-    if (code == 0) code = mdb_env_open(env_, file.c_str(), flags, ownerOnly);
-    if (code == 0) closeInChildren(env_);
-    int dead = 0;
-    if (code == 0) code = mdb_reader_check(env_, &dead); // a killed reader would keep old pages for ever
-
-    MDB_txn* transaction = nullptr;
-    if (code == 0) code = beginTransaction(MDB_RDONLY, transaction);
-    if (code == 0) code = mdb_dbi_open(transaction, nullptr, 0, &nodes_);
-    if (code == 0) code = mdb_txn_commit(std::exchange(transaction, nullptr));
-    if (transaction) mdb_txn_abort(transaction);
+    int code = 0;
+    if (!exists(file)) code = access == Access::write && errno == ENOENT ? createFile(file) : errno;
+    file_ = file;
+    if (code == 0) code = openFile(mapSize.first);
     if (code == 0) return true;
 
     error = "cannot open the tree " + file + ": " + inWords(code);
@@ -154,19 +187,60 @@ bool Tree::open(const std::string& file, Access access, std::string& error, MapS
     return false;
 }
 
-void Tree::close() {
-    abandon();
+int Tree::openFile(std::size_t mapSize) {
+    int code = reserveLockFile(file_);
+    if (code == 0) code = mdb_env_create(&env_);
+    if (code == 0) code = mdb_env_set_mapsize(env_, mapSize);
+    const unsigned flags = MDB_NOSUBDIR | (access_ == Access::read ? MDB_RDONLY : 0u);
+    if (code == 0) code = mdb_env_open(env_, file_.c_str(), flags, ownerOnly);
+    if (code == 0) closeInChildren(env_);
+    int dead = 0;
+    if (code == 0) code = mdb_reader_check(env_, &dead); // a killed reader would keep old pages for ever
+
+    MDB_txn* transaction = nullptr;
+    if (code == 0) code = mdb_txn_begin(env_, nullptr, MDB_RDONLY, &transaction);
+    if (code == 0) code = mdb_dbi_open(transaction, nullptr, 0, &nodes_);
+    if (code == 0) code = mdb_txn_commit(std::exchange(transaction, nullptr));
+    if (transaction) mdb_txn_abort(transaction);
+    if (code != 0) closeFile();
+    return code;
+}
+
+void Tree::closeFile() {
     if (env_) mdb_env_close(env_);
     env_ = nullptr;
 }
 
+void Tree::close() {
+    abandon();
+    closeFile();
+    file_.clear();
+}
+
+/** LMDB gives up a file whose head page it could not write. What is in the file is whole, and is opened anew. */
+int Tree::reopen() {
+    if (file_.empty()) return MDB_INVALID;
+    if (transaction_ || readings_ > 0) return MDB_PANIC;
+    MDB_envinfo info{};
+    if (env_) mdb_env_info(env_, &info);
+    closeFile();
+    return openFile(std::max(info.me_mapsize, mapSize_.first));
+}
+
 int Tree::beginTransaction(unsigned flags, MDB_txn*& transaction) {
     transaction = nullptr;
-    if (!env_) return MDB_INVALID;
-    int code = mdb_txn_begin(env_, nullptr, flags, &transaction);
+    int code = env_ ? mdb_txn_begin(env_, nullptr, flags, &transaction) : MDB_PANIC;
+    if (code == MDB_PANIC) {
+        code = reopen();
+        if (code == 0) code = mdb_txn_begin(env_, nullptr, flags, &transaction);
+    }
     if (code != MDB_MAP_RESIZED) return code;
     code = mdb_env_set_mapsize(env_, 0); // another process has grown the map: take its size
     return code == 0 ? mdb_txn_begin(env_, nullptr, flags, &transaction) : code;
+}
+
+std::string Tree::describe(int code) const {
+    return isOpen() ? inWords(code) : "the tree is not open";
 }
 
 /**
@@ -193,7 +267,7 @@ bool Tree::begin(std::string& error, std::size_t expectedBytes) {
     if (code == 0) code = beginTransaction(0, transaction_);
     if (code == 0) return true;
     transaction_ = nullptr;
-    error = env_ ? inWords(code) : "the tree is not open";
+    error = describe(code);
     return false;
 }
 
@@ -226,8 +300,7 @@ Outcome Tree::refuse(std::string_view path, std::string_view rule) {
 
 Outcome Tree::fail(int code) {
     mapWasFull_ = mapWasFull_ || code == MDB_MAP_FULL;
-    if (!broken_)
-        reason_ = env_ ? inWords(code) : "the tree is not open"; // the first failure is the one that tells why
+    if (!broken_) reason_ = describe(code); // the first failure is the one that tells why
     broken_ = transaction_ != nullptr;
     return Outcome::failed;
 }

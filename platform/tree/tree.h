@@ -47,7 +47,7 @@ class Tree {
 
     [[nodiscard]] bool open(const std::string& file, Access access, std::string& error, MapSize mapSize = {});
     void close();
-    [[nodiscard]] bool isOpen() const { return env_ != nullptr; }
+    [[nodiscard]] bool isOpen() const { return !file_.empty(); }
 
     /**
      * Starts a write transaction, which every call is part of until its end; one that is open is abandoned. Waits for
@@ -82,15 +82,22 @@ class Tree {
 
   private:
     class Reading;
+    int openFile(std::size_t mapSize);
+    void closeFile();
+    int reopen();
+    [[nodiscard]] std::string describe(int code) const;
     Outcome refuse(std::string_view path, std::string_view rule);
     Outcome fail(int code);
     Outcome write(const std::function<int()>& change);
     bool makeRoom(std::size_t bytes);
     int beginTransaction(unsigned flags, MDB_txn*& transaction);
 
-    MDB_env* env_ = nullptr;
+    std::string file_; // empty: not open
+    Access access_ = Access::read;
+    MDB_env* env_ = nullptr; // null, with a file: to be opened again
     MDB_txn* transaction_ = nullptr;
-    unsigned nodes_ = 0; // LMDB's handle of the one database in the file
+    unsigned nodes_ = 0;    // LMDB's handle of the one database in the file
+    unsigned readings_ = 0; // snapshots in use
     MapSize mapSize_;
     bool mapWasFull_ = false;
     bool broken_ = false; // the open transaction lost a write and must not be committed
