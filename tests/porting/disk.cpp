@@ -12,7 +12,11 @@
 namespace pendra::test {
 namespace {
 
-std::map<int, std::string> openFiles;
+// Never destroyed, like the disk itself: files are opened until the very end of the process.
+std::map<int, std::string>& openFiles() {
+    static auto& files = *new std::map<int, std::string>;
+    return files;
+}
 
 std::string nameOf(const std::string& path) {
     const size_t end = path.find_last_not_of('/');
@@ -32,7 +36,7 @@ bool fails(const std::string& call, int reason) {
 } // namespace
 
 Disk& disk() {
-    static Disk theDisk;
+    static Disk& theDisk = *new Disk;
     return theDisk;
 }
 
@@ -64,23 +68,23 @@ int __wrap_open(const char* path, int flags, ...) {
     va_end(arguments);
     if (fails("open " + nameOf(path), EACCES)) return -1;
     const int file = __real_open(path, flags, mode);
-    if (file >= 0) openFiles[file] = nameOf(path);
+    if (file >= 0) openFiles()[file] = nameOf(path);
     return file;
 }
 
 // Also one that fails has closed the file.
 int __wrap_close(int file) {
-    const bool isFailing = fails("close " + openFiles[file], EIO);
+    const bool isFailing = fails("close " + openFiles()[file], EIO);
     return __real_close(file) == 0 && !isFailing ? 0 : -1;
 }
 
 ssize_t __wrap_read(int file, void* bytes, size_t size) {
-    return fails("read " + openFiles[file], EIO) ? -1 : __real_read(file, bytes, size);
+    return fails("read " + openFiles()[file], EIO) ? -1 : __real_read(file, bytes, size);
 }
 
 // A disk that is full takes half of it, and nothing of the rest.
 ssize_t __wrap_write(int file, const void* bytes, size_t size) {
-    const bool isFailing = fails("write " + openFiles[file], ENOSPC);
+    const bool isFailing = fails("write " + openFiles()[file], ENOSPC);
     if (!isFailing) return __real_write(file, bytes, size);
     if (size < 2) return -1;
     disk().failingCall++;
@@ -88,7 +92,7 @@ ssize_t __wrap_write(int file, const void* bytes, size_t size) {
 }
 
 int __wrap_fsync(int file) {
-    return fails("fsync " + openFiles[file], EIO) ? -1 : __real_fsync(file);
+    return fails("fsync " + openFiles()[file], EIO) ? -1 : __real_fsync(file);
 }
 
 int __wrap_rename(const char* from, const char* to) {
