@@ -278,13 +278,14 @@ int flatTreeOpen(const char* file) {
     treeFile[0] = '\0';
     transactionIsOpen = 0;
     tree.length = 0;
-    if (strlen(file) >= treeNameSize) return failBecause("the name of the tree's file is too long");
+    const size_t length = strlen(file);
+    if (length >= treeNameSize) return failBecause("the name of the tree's file is too long");
     if (readLines(file) != 0) {
         tree.length = 0;
         return -1;
     }
     stored = tree;
-    strcpy(treeFile, file);
+    memcpy(treeFile, file, length + 1);
     return 0;
 }
 

@@ -26,8 +26,8 @@
 /* [output] */
 /* The library prints a line on standard output for each message when there is no debug console. */
 static FILE* keepOutput(void) {
-    FILE* kept = fdopen(dup(STDOUT_FILENO), "w");
-    return freopen("/dev/null", "w", stdout) == NULL ? NULL : kept;
+    const int kept = dup(STDOUT_FILENO);
+    return freopen("/dev/null", "w", stdout) == NULL ? NULL : fdopen(kept, "w");
 }
 /* [end] */
 
