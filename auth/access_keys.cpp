@@ -38,17 +38,23 @@ void readPassword(char (&password)[64]) {
     readNode(password, "/sys/user:1/password");
 }
 
+// What follows the slot in the text of a key. The whole text counts up to 127 characters.
+struct KeyTail {
+    KeyTail(const char* ip, const char* password) { formatText(text, "%s%s%s", ip, kUserName, password); }
+    char text[128];
+};
+
 // The key of a slot, in the shared result buffer.
-char* keyOf(int32_t slot, const char* ip, const char* password) {
+char* keyOf(int32_t slot, const KeyTail& tail) {
     char input[128];
-    formatText(input, "%ld%s%s%s", static_cast<long>(slot), ip, kUserName, password);
+    formatText(input, "%ld%s", static_cast<long>(slot), tail.text);
     return MD5Encryption(input);
 }
 
-bool matchesSlotAround(uint32_t now, const ReceivedKey& key, const char* ip, const char* password) {
+bool matchesSlotAround(uint32_t now, const ReceivedKey& key, const KeyTail& tail) {
     const int32_t firstSlot = static_cast<int32_t>(now) / kSlotSeconds - 1;
     for (int32_t slot = firstSlot; slot < firstSlot + kSlotsTried; slot++)
-        if (std::strncmp(keyOf(slot, ip, password), key.text, key.digits) == 0) return true;
+        if (std::strncmp(keyOf(slot, tail), key.text, key.digits) == 0) return true;
     return false;
 }
 
@@ -56,7 +62,7 @@ char* currentKey(const char* ip) {
     char password[64];
     readPassword(password);
     const int32_t slot = static_cast<int32_t>(sys_uptime_seconds()) / kSlotSeconds;
-    return keyOf(slot, ip == nullptr ? "" : ip, password);
+    return keyOf(slot, KeyTail(ip == nullptr ? "" : ip, password));
 }
 
 } // namespace
@@ -72,7 +78,7 @@ int32_t pendra_auth_check(const char* request, const char* ip, const char* sessi
     const ReceivedKey key = findKey(request);
     if (key.text == nullptr) return -1;
     logPrintf(kLogTrace, "match_buff = %s, ip=%s, time=%ld\n", key.text, ip, static_cast<long>(now));
-    if (!matchesSlotAround(now, key, ip, password)) return -1;
+    if (!matchesSlotAround(now, key, KeyTail(ip, password))) return -1;
     eventLine(kLogEvent, "PendraKey success, logout=%ld\n", static_cast<long>(now + kClientLifetimeSeconds));
     clientAuthListAdd(&clientauthinfo, ip, kUserName, password, session, 1);
     return 0;

@@ -22,24 +22,18 @@ constexpr uint32_t kSineTable[64] = {
     0x6fa87e4f, 0xfe2ce6e0, 0xa3014314, 0x4e0811a1, 0xf7537e82, 0xbd3af235, 0x2ad7d2bb, 0xeb86d391,
 };
 
-// Rotations, four a round.
-constexpr int kShift[4][4] = {{7, 12, 17, 22}, {5, 9, 14, 20}, {4, 11, 16, 23}, {6, 10, 15, 21}};
-
-struct Step {
-    uint32_t mixed; // the round's function of b, c and d
-    unsigned word;  // which word of the block it takes
+struct State {
+    uint32_t a, b, c, d;
 };
 
-Step stepOf(unsigned i, uint32_t b, uint32_t c, uint32_t d) {
-    switch (i / 16) {
-        case 0:
-            return {(b & c) | (~b & d), i};
-        case 1:
-            return {(b & d) | (c & ~d), (5 * i + 1) % 16};
-        case 2:
-            return {b ^ c ^ d, (3 * i + 5) % 16};
-        default:
-            return {c ^ (b | ~d), (7 * i) % 16};
+// The sixteen steps of a round. Rounds differ in how three words are mixed, in which word of the block each step takes,
+// and in their rotations; each has a copy of its own, with nothing left to decide at a step.
+template <unsigned Number, unsigned FirstWord, unsigned Stride, typename Mix>
+inline void doRound(State& now, const uint32_t (&words)[16], const int (&rotations)[4], Mix mix) {
+    unsigned word = FirstWord;
+    for (unsigned step = 0; step < 16; step++, word += Stride) {
+        const uint32_t sum = now.a + words[word % 16] + kSineTable[16 * Number + step] + mix(now.b, now.c, now.d);
+        now = {now.d, now.b + std::rotl(sum, rotations[step % 4]), now.b, now.c};
     }
 }
 
@@ -63,19 +57,15 @@ void Decode(uint32_t* output, const unsigned char* input, unsigned int length) {
 void MD5Transform(uint32_t state[4], const unsigned char block[64]) {
     uint32_t words[kBlockSize / 4];
     Decode(words, block, kBlockSize);
-    uint32_t a = state[0], b = state[1], c = state[2], d = state[3];
-    for (unsigned i = 0; i < 64; i++) {
-        const Step step = stepOf(i, b, c, d);
-        const uint32_t rotated = std::rotl(a + step.mixed + words[step.word] + kSineTable[i], kShift[i / 16][i % 4]);
-        a = d;
-        d = c;
-        c = b;
-        b += rotated;
-    }
-    state[0] += a;
-    state[1] += b;
-    state[2] += c;
-    state[3] += d;
+    State now = {state[0], state[1], state[2], state[3]};
+    doRound<0, 0, 1>(now, words, {7, 12, 17, 22}, [](auto b, auto c, auto d) { return d ^ (b & (c ^ d)); });
+    doRound<1, 1, 5>(now, words, {5, 9, 14, 20}, [](auto b, auto c, auto d) { return (b & d) + (c & ~d); });
+    doRound<2, 5, 3>(now, words, {4, 11, 16, 23}, [](auto b, auto c, auto d) { return b ^ c ^ d; });
+    doRound<3, 0, 7>(now, words, {6, 10, 15, 21}, [](auto b, auto c, auto d) { return c ^ (b | ~d); });
+    state[0] += now.a;
+    state[1] += now.b;
+    state[2] += now.c;
+    state[3] += now.d;
 }
 
 void MD5Init(MD5_CTX* context) {
@@ -96,12 +86,16 @@ void MD5Update(MD5_CTX* context, const unsigned char* input, unsigned int length
 }
 
 void MD5Final(unsigned char digest[16], MD5_CTX* context) {
-    static const unsigned char padding[kBlockSize] = {0x80};
-    unsigned char bitCount[8];
-    Encode(bitCount, context->count, sizeof bitCount);
-    const unsigned used = (context->count[0] >> 3) % kBlockSize;
-    MD5Update(context, padding, (used < kLengthOffset ? kLengthOffset : kLengthOffset + kBlockSize) - used);
-    MD5Update(context, bitCount, sizeof bitCount);
+    unsigned used = (context->count[0] >> 3) % kBlockSize;
+    context->buffer[used++] = 0x80;
+    if (used > kLengthOffset) { // no room for the bit count
+        std::memset(context->buffer + used, 0, kBlockSize - used);
+        MD5Transform(context->state, context->buffer);
+        used = 0;
+    }
+    std::memset(context->buffer + used, 0, kLengthOffset - used);
+    Encode(context->buffer + kLengthOffset, context->count, sizeof context->count);
+    MD5Transform(context->state, context->buffer);
     Encode(digest, context->state, 16);
     *context = {};
 }
