@@ -360,9 +360,9 @@ TEST_F(FlatTree, TransactionWithARefusedText_StoresTheRest) {
 
 // --- A process that is killed ---
 
-// Counts up in two nodes, both in one transaction.
+// Counts on in two nodes, both in one transaction.
 int countForEver() {
-    for (int number = 1;; number++) {
+    for (int number = xget_int("/first") + 1;; number++) {
         flatTreeBegin();
         xset_int(number, "/first");
         xset_int(number, "/second");
@@ -372,17 +372,16 @@ int countForEver() {
 
 TEST_F(FlatTree, KilledWriter_LeavesAWholeTree) {
     std::mt19937 random(1);
-    int last = 0;
-    for (int round = 0; round < 40; round++) {
+    // On a slow disk most are killed before they have stored anything.
+    for (int round = 0; round < 40 || (xget_int("/first") < 5 && round < 1000); round++) {
         Child writer(countForEver);
         std::this_thread::sleep_for(std::chrono::microseconds(1000 + random() % 20000));
         writer.kill();
         ASSERT_EQ(flatTreeOpen(tree().c_str()), 0) << flatTreeProblem();
         ASSERT_EQ(textOf("/first"), textOf("/second"));
         ASSERT_EQ(textOf("/last"), "x");
-        last = std::max(last, xget_int("/first"));
     }
-    EXPECT_GT(last, 1); // they had the time to write
+    EXPECT_GE(xget_int("/first"), 5);
 }
 
 TEST_F(FlatTree, FileThatAKilledWriterLeft_IsNotRead) {
