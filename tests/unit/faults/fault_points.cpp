@@ -17,29 +17,30 @@
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
+#include <iterator>
 
 #include "pendra/platform.h"
 
 namespace pendra::test {
 namespace {
 
-// Each symbol that can fail, and how it says so.
+// Each symbol that can fail, and how it says so; those first that are called most.
 constexpr struct {
     const char* symbol;
     int error;
 } kFaultPoints[] = {
-    {"calloc", ENOMEM}, {"close", EIO},     {"fclose", ENOSPC},    {"fgetc", EIO},      {"fgets", EIO},
-    {"fopen", ENFILE},  {"fprintf", EIO},   {"fputs", EIO},        {"fread", EIO},      {"fstat", EIO},
-    {"fwrite", ENOSPC}, {"ioctl", ENODEV},  {"mmap", ENOMEM},      {"munmap", ENOMEM},  {"open", ENFILE},
-    {"puts", EIO},      {"setitimer", EIO}, {"sigaction", EINVAL}, {"signal", EINVAL},  {"socket", ENFILE},
-    {"stat", EACCES},   {"sysinfo", EIO},   {"system", EAGAIN},    {"time", EOVERFLOW}, {"tcapi_commit", EIO},
-    {"tcapi_set", EIO}, {"xdel", EIO},      {"xget_int", EIO},     {"xget_str", EIO},   {"xset_int", EIO},
+    {"fclose", ENOSPC},  {"fopen", ENFILE},     {"fputs", EIO},        {"stat", EACCES},   {"sysinfo", EIO},
+    {"system", EAGAIN},  {"xget_int", EIO},     {"xget_str", EIO},     {"calloc", ENOMEM}, {"close", EIO},
+    {"fgetc", EIO},      {"fgets", EIO},        {"fprintf", EIO},      {"fread", EIO},     {"fstat", EIO},
+    {"fwrite", ENOSPC},  {"ioctl", ENODEV},     {"mmap", ENOMEM},      {"munmap", ENOMEM}, {"open", ENFILE},
+    {"puts", EIO},       {"setitimer", EIO},    {"sigaction", EINVAL}, {"signal", EINVAL}, {"socket", ENFILE},
+    {"time", EOVERFLOW}, {"tcapi_commit", EIO}, {"tcapi_set", EIO},    {"xdel", EIO},      {"xset_int", EIO},
     {"xset_str", EIO},
 };
 
-int errorOf(const char* symbol) {
-    for (const auto& point : kFaultPoints)
-        if (std::strcmp(point.symbol, symbol) == 0) return point.error;
+size_t rowOf(const char* symbol) {
+    for (size_t row = 0; row < std::size(kFaultPoints); row++)
+        if (std::strcmp(kFaultPoints[row].symbol, symbol) == 0) return row;
     std::abort(); // a wrapper without a row
 }
 
@@ -67,26 +68,21 @@ void Faults::start(const FaultPlan& plan) {
     plan_ = plan;
     calls_.clear();
     struck_.clear();
-    counts_.clear();
+    counts_.assign(std::size(kFaultPoints), 0);
     said_.clear();
 }
 
 bool Faults::strikes(const char* symbol, const std::string& detail) {
-    const int error = errorOf(symbol);
+    const size_t row = rowOf(symbol);
     if (!active_) return false;
     calls_.push_back({symbol, detail});
-    const long number = plan_.symbol.empty() ? static_cast<long>(calls_.size()) : counts_[symbol] + 1;
-    ++counts_[symbol];
+    const long ofSymbol = ++counts_[row];
+    const long number = plan_.symbol.empty() ? static_cast<long>(calls_.size()) : ofSymbol;
     const bool planned = plan_.symbol.empty() || plan_.symbol == symbol;
     if (!planned || number < plan_.first || number > plan_.last) return false;
     struck_.push_back(calls_.size() - 1);
-    errno = error;
+    errno = kFaultPoints[row].error;
     return true;
-}
-
-long Faults::count(const std::string& symbol) const {
-    const auto found = counts_.find(symbol);
-    return found == counts_.end() ? 0 : found->second;
 }
 
 std::string Faults::unreturned() const {

@@ -33,7 +33,6 @@ class Faults {
     // All calls since the start, in order, and those of them that failed.
     const std::vector<Call>& calls() const { return calls_; }
     const std::vector<size_t>& struck() const { return struck_; }
-    long count(const std::string& symbol) const;
 
     // What went to standard output and standard error.
     const std::string& said() const { return said_; }
@@ -47,7 +46,7 @@ class Faults {
     FaultPlan plan_;
     std::vector<Call> calls_;
     std::vector<size_t> struck_;
-    std::map<std::string, long> counts_;
+    std::vector<long> counts_; // by symbol
     std::string said_;
 };
 

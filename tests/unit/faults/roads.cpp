@@ -21,8 +21,12 @@ void storeRules(int count) {
 }
 
 void prepareRouter(const std::string&) {
-    loadRouter(device());
-    storeRules(4);
+    static const Tree router = [] {
+        loadRouter(device());
+        storeRules(4);
+        return device().tree;
+    }();
+    device().tree = router;
 }
 
 void prepareFixedRouter(const std::string& directory) {

@@ -17,11 +17,13 @@ struct Road {
     const char* answer;                                // without a fault
 };
 
+using Tree = std::map<std::string, std::string>;
+
 // What a walk has come to.
 struct Outcome {
     std::string answer;
     Events events;
-    std::map<std::string, std::string> tree;
+    Tree tree;
     std::string record; // all bytes of the setup record
     std::string said;   // on standard output and standard error
 };

@@ -108,11 +108,17 @@ class FaultSweep : public DeviceTest, public ::testing::WithParamInterface<Road>
         const Outcome outcome = settle();
         EXPECT_EQ("", faults().unreturned());
         if (!otherDevice) return expectSame(settled_, outcome);
-        renew();
-        device().tree = got.tree;
-        const Outcome fresh = settle();
+        const Outcome& fresh = freshOn(got.tree);
         EXPECT_EQ(withoutCommit(fresh.answer), withoutCommit(outcome.answer));
         EXPECT_EQ(fresh.tree, outcome.tree);
+    }
+    // What a new library does on a device with such a tree. Many faults leave the same one.
+    const Outcome& freshOn(const Tree& tree) {
+        const auto known = fresh_.find(tree);
+        if (known != fresh_.end()) return known->second;
+        renew();
+        device().tree = tree;
+        return fresh_[tree] = settle();
     }
     static std::string withoutCommit(const std::string& answer) { return answer.substr(0, answer.find(" commit=")); }
 
@@ -133,6 +139,7 @@ class FaultSweep : public DeviceTest, public ::testing::WithParamInterface<Road>
 
     Outcome undisturbed_;
     Outcome settled_;
+    std::map<Tree, Outcome> fresh_;
 };
 
 TEST_P(FaultSweep, OneCallFails_GivesWhatIsPromisedAndLeavesNoTrace) {
