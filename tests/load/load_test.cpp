@@ -71,10 +71,18 @@ std::vector<std::string> differences(const Nodes& nodes, const Nodes& expected) 
     return lines;
 }
 
+// An instrumented host keeps freed memory back, to find its use; it looks for leaks by itself.
+void expectNoMore(long kibibytes, long bound) {
+    if (PENDRA_INSTRUMENTED != 0) return;
+    EXPECT_LE(kibibytes, bound);
+}
+
 class HostUnderLoad : public test::RunningDevice {
   protected:
     void SetUp() override {
-        const rlimit limit{8192, 8192};
+        rlimit limit{};
+        ASSERT_EQ(::getrlimit(RLIMIT_NOFILE, &limit), 0);
+        limit.rlim_cur = std::max<rlim_t>(limit.rlim_cur, 4 * kCrowd);
         ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &limit), 0);
     }
 
@@ -151,8 +159,8 @@ TEST_F(HostUnderLoad, RequestsOfAllKinds_LeaveItAsItWasButForTheChanges) {
     EXPECT_GT(model.changes, changes);
     EXPECT_EQ(before.descriptors, descriptors);
     EXPECT_EQ(after.descriptors, descriptors);
-    EXPECT_LE(after.heapKiB, before.heapKiB + kSpareKiB);
-    EXPECT_LE(after.residentKiB, before.residentKiB + 2 * kSpareKiB);
+    expectNoMore(after.heapKiB, before.heapKiB + kSpareKiB);
+    expectNoMore(after.residentKiB, before.residentKiB + 2 * kSpareKiB);
     EXPECT_LE(treeAfter, treeBefore + (kSpareKiB << 10));
     EXPECT_EQ(host->complaints(), "");
     for (const auto& [path, text] : model.nodes) {
@@ -189,7 +197,7 @@ TEST_F(HostUnderLoad, ThousandIdleConnections_AreCheapWhenTheyMayStay) {
         const Footprint meanwhile = footprint();
         tell("then", textOf(meanwhile));
         EXPECT_GE(meanwhile.descriptors, before.descriptors + kCrowd);
-        EXPECT_LE(meanwhile.residentKiB, before.residentKiB + 2 * static_cast<long>(kCrowd));
+        expectNoMore(meanwhile.residentKiB, before.residentKiB + 2 * static_cast<long>(kCrowd));
     }
     awaitDescriptors(before.descriptors);
     EXPECT_EQ(footprint().descriptors, before.descriptors);
