@@ -10,6 +10,7 @@
 #include "support/fake_device.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size);
+extern "C" int LLVMFuzzerInitialize(int* count, char*** arguments);
 
 namespace pendra::fuzz {
 
