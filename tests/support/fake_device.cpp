@@ -2,7 +2,6 @@
 
 #include <dlfcn.h>
 #include <ftw.h>
-#include <sys/ioctl.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/sysinfo.h>
@@ -22,6 +21,7 @@
 
 #include "common/log_state.h"
 #include "setupdoc/run_state.h"
+#include "support/ioctl_request.h"
 #include "vars/form_intake.h"
 
 namespace pendra::test {
@@ -29,11 +29,6 @@ namespace {
 
 constexpr const char* kConsoleFile = "/proc/tc3162/dbg_msg";
 constexpr unsigned long kGetMacTable = 0x8BFF;
-
-// Each libc has its own type for the requests of ioctl.
-template <typename Request>
-Request requestOf(int (*)(int, Request, ...));
-using IoctlRequest = decltype(requestOf(ioctl));
 
 template <typename Function>
 Function next(const char* name) {

@@ -1,7 +1,6 @@
 #include "fault_points.h"
 
 #include <fcntl.h>
-#include <sys/ioctl.h>
 #include <sys/mman.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
@@ -20,6 +19,7 @@
 #include <iterator>
 
 #include "pendra/platform.h"
+#include "support/ioctl_request.h"
 
 namespace pendra::test {
 namespace {
@@ -234,7 +234,7 @@ int fault_socket(int domain, int type, int protocol) {
     return taken("descriptor", descriptor >= 0, descriptor);
 }
 
-int fault_ioctl(int descriptor, unsigned long request, ...) {
+int fault_ioctl(int descriptor, IoctlRequest request, ...) {
     va_list arguments;
     va_start(arguments, request);
     void* const argument = va_arg(arguments, void*);
