@@ -198,28 +198,22 @@ void applyRoaming(ZepDevice& device) {
 
 // ---- radios ----
 
-constexpr int32_t kNoPlainValue = INT32_MIN;
-
 enum class Outcome { goOn, stopRadios, refused };
 
 // A switch on a run that clones the other router's: a state that only a device may set becomes the plain one. Refused
-// when the device has fixed its own or has none like it.
+// when the device has fixed its own, or when the state has no plain one and stays fixed.
 Switched writeCloned(int32_t value, int32_t plainValue, const char* path, Fixed fixed) {
     const int stored = readNodeInt(path);
     if (stored == value) return Switched::unchanged;
-    if (isFixed(stored, fixed) || plainValue == kNoPlainValue) return Switched::refused;
+    if (isFixed(stored, fixed) || isFixed(plainValue, Fixed::byTwo)) return Switched::refused;
     return IntCmpWithXStr(plainValue, path, 0) != 0 ? Switched::changed : Switched::unchanged;
-}
-
-int32_t plainEnable(int32_t value) {
-    return value == 2 ? kNoPlainValue : value == 3 ? 1 : value;
 }
 
 Outcome applyEnable(ZepWireless& radio, const char* base) {
     const NodePath path("%s/wlenbl", base);
-    const Switched enable = isApCloning()
-                                ? writeCloned(radio.WlEnbl, plainEnable(radio.WlEnbl), path, Fixed::byTwoAndThree)
-                                : writeSwitch(radio.WlEnbl, path, Fixed::byTwoAndThree);
+    const int32_t value = radio.WlEnbl;
+    const Switched enable = isApCloning() ? writeCloned(value, value == 3 ? 1 : value, path, Fixed::byTwoAndThree)
+                                          : writeSwitch(value, path, Fixed::byTwoAndThree);
     raise(radio.restart, enable == Switched::changed);
     if (enable != Switched::refused) return Outcome::goOn;
     if (isApCloning()) return Outcome::stopRadios;

@@ -11,7 +11,8 @@ class CloningApplication : public ApplicationTest {
     ZepWireless& radio = recordRadio(kBand24);
 };
 
-// A stored 2 or 3, and a new 2, end the radios without an error; a new 3 is written as 1.
+// A stored 2 or 3, and a new 2, end the radios without an error; a new 3 is written as 1. Any other value, which only a
+// refused document leaves in the record, is written as it stands.
 TEST_F(CloningApplication, Enable_IsSetOrStopsTheRadios) {
     const struct {
         const char* stored; // null: absent
@@ -19,11 +20,18 @@ TEST_F(CloningApplication, Enable_IsSetOrStopsTheRadios) {
         SwitchOutcome outcome;
         int32_t written;
     } rows[] = {
-        {"0", 0, kSame, 0},        {"0", 1, kWritten, 1},     {"0", 2, kStopped, 0},     {"0", 3, kWritten, 1},
-        {"1", 0, kWritten, 0},     {"1", 1, kSame, 0},        {"1", 2, kStopped, 0},     {"1", 3, kSame, 0},
-        {"2", 0, kStopped, 0},     {"2", 1, kStopped, 0},     {"2", 2, kSame, 0},        {"2", 3, kStopped, 0},
-        {"3", 0, kStopped, 0},     {"3", 1, kStopped, 0},     {"3", 2, kStopped, 0},     {"3", 3, kSame, 0},
-        {nullptr, 1, kWritten, 1}, {nullptr, 2, kStopped, 0}, {nullptr, 3, kWritten, 1},
+        {"0", 0, kSame, 0},        {"0", 1, kWritten, 1},
+        {"0", 2, kStopped, 0},     {"0", 3, kWritten, 1},
+        {"1", 0, kWritten, 0},     {"1", 1, kSame, 0},
+        {"1", 2, kStopped, 0},     {"1", 3, kSame, 0},
+        {"2", 0, kStopped, 0},     {"2", 1, kStopped, 0},
+        {"2", 2, kSame, 0},        {"2", 3, kStopped, 0},
+        {"3", 0, kStopped, 0},     {"3", 1, kStopped, 0},
+        {"3", 2, kStopped, 0},     {"3", 3, kSame, 0},
+        {nullptr, 1, kWritten, 1}, {nullptr, 2, kStopped, 0},
+        {nullptr, 3, kWritten, 1}, {"1", 4, kWritten, 4},
+        {"1", -1, kWritten, -1},   {"1", INT32_MIN, kWritten, INT32_MIN},
+        {"2", 4, kStopped, 0},
     };
     const auto tree = device().tree;
     for (const auto& row : rows) {
@@ -68,10 +76,12 @@ TEST_F(CloningApplication, Schedule_IsWrittenUnlessTheDeviceFixesIt) {
         SwitchOutcome outcome;
         int32_t written;
     } rows[] = {
-        {"0", 0, kSame, 0},     {"0", 1, kWritten, 1}, {"0", 2, kSame, 0},    {"1", 0, kWritten, 0},
-        {"1", 1, kSame, 0},     {"1", 2, kWritten, 0}, {"2", 0, kSame, 0},    {"2", 1, kSame, 0},
-        {"2", 2, kSame, 0},     {"3", 2, kWritten, 0}, {"3", 1, kWritten, 1}, {nullptr, 1, kWritten, 1},
-        {nullptr, 0, kSame, 0},
+        {"0", 0, kSame, 0},     {"0", 1, kWritten, 1}, {"0", 2, kSame, 0},
+        {"1", 0, kWritten, 0},  {"1", 1, kSame, 0},    {"1", 2, kWritten, 0},
+        {"2", 0, kSame, 0},     {"2", 1, kSame, 0},    {"2", 2, kSame, 0},
+        {"3", 2, kWritten, 0},  {"3", 1, kWritten, 1}, {nullptr, 1, kWritten, 1},
+        {nullptr, 0, kSame, 0}, {"0", 3, kWritten, 3}, {"0", INT32_MIN, kWritten, INT32_MIN},
+        {"2", 3, kSame, 0},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(describe({row.stored, row.value, row.outcome}));
