@@ -12,6 +12,8 @@ import sys
 
 NODE = re.compile(r'node: \{ title: "([^"]+)" label: "[^"]*\\n(\d+) bytes \(([^)]*)\)')
 EDGE = re.compile(r'edge: \{ sourcename: "([^"]+)" targetname: "([^"]+)"')
+# Callers name the constructor or destructor of a whole object; its frame stands under that of a base.
+WHOLE_OBJECT = re.compile(r"(?<=[CD])1(?=E)")
 
 # What is called through a pointer: the rows of the tables, by the file that holds the call. A new call through a pointer
 # must be entered here, or the count below would miss it.
@@ -35,7 +37,7 @@ LEVELS = {"setAll": 1 + 127 // len("zep_Act_SetZepVars="), "do_FwEntryList_Parse
 def read_graphs(directory):
     """The frame size and the calls of each function; gcc's titles tell functions of one file by the file's path."""
     frames, edges, calls = {}, [], {}
-    for path in sorted(pathlib.Path(directory).rglob("*.cpp.ci")):
+    for path in graph_files(directory):
         text = path.read_text()
         for title, size, kind in NODE.findall(text):
             if kind == "dynamic":
@@ -43,9 +45,26 @@ def read_graphs(directory):
             frames[title] = int(size)
         edges += [(path.name[:-3], source, target) for source, target in EDGE.findall(text)]
     for file, source, target in edges:
-        targets = pointed_at(file, frames) if target == "__indirect_call" else [target]
-        calls.setdefault(source, set()).update(name for name in targets if name in frames)
+        targets = pointed_at(file, frames) if target == "__indirect_call" else defined(target, frames)
+        calls.setdefault(source, set()).update(targets)
     return frames, calls
+
+
+def defined(target, frames):
+    """The library's function of this name, if it is one: C++ names are all its own, others may be libc's."""
+    found = frames.keys() & {target, WHOLE_OBJECT.sub("2", target)}
+    if target.startswith("_Z") and not found:
+        sys.exit(f"stack: no frame is known for {target}")
+    return found
+
+
+def graph_files(directory):
+    """The graph of each object; without one its calls would count for nothing."""
+    objects = sorted(pathlib.Path(directory).rglob("*.o"))
+    graphs = [path.with_suffix(".ci") for path in objects]
+    if missing := [path.name for path in graphs if not path.is_file()]:
+        sys.exit(f"stack: no call graph: {', '.join(missing)}")
+    return graphs or sys.exit(f"stack: no objects in {directory}")
 
 
 def pointed_at(file, frames):
