@@ -7,6 +7,7 @@
 #include "host/tree.h"
 #include "pendra/setupdoc.h"
 #include "pendra/vars.h"
+#include "platform/device.h"
 
 namespace pendra::host {
 
@@ -37,14 +38,30 @@ void loadAccessRules(int radio) {
     }
 }
 
+// The last refresh: what it made of which tree. Pages and clients that only look ask again and again, and a read of the
+// whole record costs more than all the rest of such a request.
+struct LastRefresh {
+    size_t treeVersion = 0;
+    ZepXmlData record;
+
+    [[nodiscard]] bool stillHolds() const {
+        return treeVersion != 0 && treeVersion == device::treeVersion() &&
+               std::memcmp(&record, &zepXmlData, sizeof record) == 0;
+    }
+};
+LastRefresh lastRefresh;
+
 } // namespace
 
 void refreshRecord() {
+    if (lastRefresh.stillHolds()) return;
+    lastRefresh.treeVersion = device::treeVersion();
     init_ZepVar();
     zepXmlData.apCloningOnly = 0; // left over from a document of that kind, it would hold for forms too
     for (int radio = 0; radio < kRadios; ++radio) {
         loadAccessRules(radio);
     }
+    std::memcpy(&lastRefresh.record, &zepXmlData, sizeof zepXmlData);
 }
 
 std::string variableText(const std::string& name) {

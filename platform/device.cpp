@@ -103,6 +103,10 @@ bool commitRequest(std::string& error) {
     return device().tree.commit(error);
 }
 
+std::size_t treeVersion() {
+    return device().tree.version();
+}
+
 void abandonRequest() {
     device().requestIsOpen = false;
     device().tree.abandon();

@@ -8,6 +8,7 @@
 #ifndef PENDRA_PLATFORM_DEVICE_H
 #define PENDRA_PLATFORM_DEVICE_H
 
+#include <cstddef>
 #include <string>
 
 namespace pendra::device {
@@ -43,6 +44,12 @@ void closeDevice();
  * The transaction is over either way.
  */
 [[nodiscard]] bool commitRequest(std::string& error);
+
+/**
+ * Number of the newest committed change of the tree, by whichever process. While it stays the same, every read gives
+ * the same. 0, which says nothing, while a request is open.
+ */
+[[nodiscard]] std::size_t treeVersion();
 
 /** Drops everything written since beginRequest(). Harmless when no request is open. */
 void abandonRequest();

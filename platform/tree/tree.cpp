@@ -293,6 +293,12 @@ void Tree::abandon() {
     broken_ = false;
 }
 
+std::size_t Tree::version() const {
+    MDB_envinfo info{};
+    if (transaction_ || !env_ || mdb_env_info(env_, &info) != 0) return 0;
+    return info.me_last_txnid;
+}
+
 Outcome Tree::refuse(std::string_view path, std::string_view rule) {
     reason_ = std::string(path) + " " + std::string(rule);
     return Outcome::refused;

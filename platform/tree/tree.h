@@ -62,6 +62,10 @@ class Tree {
 
     void abandon();
 
+    /** Number of the newest committed change, by whichever process; 0 while a transaction is open or the tree is not.
+     */
+    [[nodiscard]] std::size_t version() const;
+
     /** Reads a node's text, or the number of a list's elements ("name#"), which is absent when there are none. */
     [[nodiscard]] Outcome get(std::string_view path, std::string& text);
 

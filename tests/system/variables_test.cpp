@@ -122,6 +122,24 @@ TEST_F(Variables, Get_NameOrDocumentPath_GivesValueAndPath) {
               "{\"name\":\"zep_Wl2_Acl_R00_MAC\",\"path\":\"/acrule:1/MAC\"}\n");
 }
 
+TEST_F(Variables, Get_AfterAChangeOfTheTree_GivesTheNewValue) {
+    for (const char* name : {"Hazel", "Willow"}) {
+        EXPECT_EQ(value("zep_Wl2_WirelessName"), value("zep_Wl2_WirelessName"));
+        files.set("/lan/wireless2.4:1/wirelessname", name);
+        EXPECT_EQ(value("zep_Wl2_WirelessName"), name);
+    }
+    files.set("/lan/wireless2.4:1/accesscontrol/acrule:1/mac", "02:00:00:00:00:01");
+    EXPECT_EQ(value("zep_Wl2_Acl_R00_MAC"), "02:00:00:00:00:01");
+}
+
+TEST_F(Variables, Get_AfterARefusedFormOrDocument_GivesTheStoredValues) {
+    const std::string before = value("zep_Wl2_WirelessName");
+    EXPECT_EQ(json::parse(send("/zep/var", "zep_Wl2_WirelessName=Hazel&zep_Wl2_Channel=99").body)["code"], 2);
+    EXPECT_EQ(value("zep_Wl2_WirelessName"), before);
+    EXPECT_EQ(send("/zep/setup", example("faulty-channel.xml")).status, 200);
+    EXPECT_EQ(value("zep_Wl2_WirelessName"), before);
+}
+
 TEST_F(Variables, Get_UnknownVariable_Gives404) {
     for (const char* name : {"zep_Foo", "zep_", "zep_Wl2_Acl_R02_MAC", "/Device/Foo", "zep_Wl2_Acl_R1_MAC"}) {
         EXPECT_EQ(read(name).status, 404) << name;

@@ -46,6 +46,37 @@ std::pair<std::string, std::string> readPair(Tree& tree) {
     return pair;
 }
 
+TEST_F(TreeTransactions, Version_GrowsWithEachCommitOfAnyProcess) {
+    Tree tree;
+    EXPECT_EQ(tree.version(), 0u); // not open
+    ASSERT_TRUE(open(tree));
+    ASSERT_EQ(tree.set("/a", "1"), Outcome::done);
+    const size_t own = tree.version();
+    EXPECT_GT(own, 0u);
+    EXPECT_EQ(textOf(tree, "/a"), "1");
+    EXPECT_EQ(tree.set("no path", "1"), Outcome::refused);
+    EXPECT_EQ(tree.version(), own);
+    ASSERT_EQ(run(scratch, PENDRA_XTREE " -f " + file() + " set /a 2").status, 0);
+    const size_t others = tree.version();
+    EXPECT_GT(others, own);
+    ASSERT_EQ(tree.remove("/a"), Outcome::done);
+    EXPECT_GT(tree.version(), others);
+}
+
+TEST_F(TreeTransactions, Version_OfAnOpenTransaction_SaysNothing) {
+    Tree tree;
+    ASSERT_TRUE(open(tree));
+    ASSERT_EQ(tree.set("/a", "1"), Outcome::done);
+    const size_t before = tree.version();
+    std::string error;
+    ASSERT_TRUE(tree.begin(error)) << error;
+    EXPECT_EQ(tree.version(), 0u);
+    ASSERT_EQ(tree.set("/a", "2"), Outcome::done);
+    EXPECT_EQ(tree.version(), 0u);
+    tree.abandon();
+    EXPECT_EQ(tree.version(), before);
+}
+
 TEST_F(TreeTransactions, OpenTransaction_IsSeenInsideOnly) {
     Tree tree;
     ASSERT_TRUE(open(tree));
