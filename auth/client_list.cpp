@@ -153,8 +153,9 @@ int32_t check_PendraAuthIP(const char* ip, const char* session) {
     clientAuthEntry* const entry = checkClientAuthIp(&clientauthinfo, ip, session, kByAddress);
     cur_authinfo = entry; // for the host alone: it may outlive the entry, so nothing here reads it
     if (entry != nullptr) {
-        if (sys_uptime_seconds() < entry->logout) {
-            entry->logout = newLogout();
+        const uint32_t now = sys_uptime_seconds();
+        if (now < entry->logout) {
+            entry->logout = now + kClientLifetimeSeconds;
             logPrintf(kLogTrace, "Auth Client IP, logout=%ld\n", static_cast<long>(entry->logout));
             return 0;
         }
