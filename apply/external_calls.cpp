@@ -153,7 +153,7 @@ int32_t get_ExternalCall_UseSec(uint32_t syncId) {
 
 // The firmware hand-over ends the call: stations are not looked at while the image is about to be written.
 int32_t exe_ExternalCall(uint32_t syncIds) {
-    char scriptDirectory[kCommandSize]; // what is cut here would not fit a command either
+    char scriptDirectory[kCommandSize];                   // what is cut here would not fit a command either
     readNode(scriptDirectory, "/bramble/scriptdirecory"); // the node is spelt so
     for (const ExternalCall& call : kCalls) {
         if ((syncIds & call.id) == 0) continue;
