@@ -6,6 +6,11 @@ set_property(CACHE PENDRA_PLATFORM PROPERTY STRINGS reference external)
 if(NOT PENDRA_PLATFORM MATCHES "^(reference|external)$")
   message(FATAL_ERROR "PENDRA_PLATFORM is \"${PENDRA_PLATFORM}\"; it must be reference or external")
 endif()
-# The device's programs stand on the reference platform; OFF leaves them out where only the library is wanted.
+# The device's programs stand on the reference platform; OFF leaves them out where only the library is wanted. A toolchain
+# for a device seldom has the packages that they need, so there they must be asked for.
+set(build_device ON)
+if(CMAKE_CROSSCOMPILING)
+  set(build_device OFF)
+endif()
 cmake_dependent_option(PENDRA_BUILD_DEVICE "Build the reference platform, the host and the client"
-  ON "PENDRA_PLATFORM STREQUAL reference" OFF)
+  ${build_device} "PENDRA_PLATFORM STREQUAL reference" OFF)
