@@ -198,6 +198,20 @@ TEST_F(SiteCloning, SecondRun_PublishesWithoutAFlag) {
     EXPECT_EQ("", raisedFlags());
 }
 
+TEST_F(SiteCloning, OneDifferingNode_RestartsTheUplink) {
+    device().tree["/uplink/extendersite/connrefsitebssid"] = "02:ff:ff:ff:ff:ff";
+    EXPECT_EQ(1, Apply_ZepXmlToDevice());
+    const auto applied = device().tree;
+    for (const char* leaf : {"failoverbssid", "wirelesstype", "wirelessname", "encryptionkey"}) {
+        SCOPED_TRACE(leaf);
+        device().forget();
+        device().tree = applied;
+        device().tree[std::string("/uplink/extendersite/") + leaf] = "other";
+        EXPECT_EQ(1, Apply_ZepXmlToDevice());
+        EXPECT_EQ("uplink save", raisedFlags());
+    }
+}
+
 TEST_F(SiteCloning, OtherSite_BecomesTheFailOver) {
     device().tree["/uplink/extendersite/connrefsitebssid"] = "02:ff:ff:ff:ff:ff";
     Events writes = siteWrites(radio, "2.4");

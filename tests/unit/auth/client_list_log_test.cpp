@@ -83,13 +83,13 @@ TEST_F(ClientListLog, Dump_ShowsAllEntriesOnOneLine) {
 TEST_F(ClientListLog, DumpAtLevel6_LeavesOutTheHeading) {
     fill(1);
     daemon_log_level = 6;
-    printList(&clientauthinfo);
+    EXPECT_EQ(0, printList(&clientauthinfo));
     EXPECT_EQ("1000: ip=10.0.0.1,username=admin, sessionid=aaaaaaaa-->NULL \n\n", logText());
 }
 
 TEST_F(ClientListLog, DumpOfAnEmptyList_SaysSo) {
-    printList(&clientauthinfo);
-    printList(nullptr);
+    EXPECT_EQ(0, printList(&clientauthinfo));
+    EXPECT_EQ(0, printList(nullptr));
     EXPECT_EQ("1000: 1000:printList]Auth list is empty.\n1000: 1000:printList]Auth list is empty.\n", logText());
 }
 

@@ -2,6 +2,7 @@
 #include <cstdio>
 #include <cstring>
 
+#include "common/log_state.h"
 #include "support/fake_device.h"
 
 using pendra::test::device;
@@ -10,6 +11,13 @@ using pendra::test::readFile;
 
 namespace {
 
+// Taken before any test, and any fixture, changes them.
+const int32_t levelAtLoad = daemon_log_level;
+const int32_t fileSizeAtLoad = daemon_log_file_size_k;
+const std::string headerAtLoad = daemon_log_header;
+const std::string directoryAtLoad = daemon_log_path;
+const pendra::LogState stateAtLoad = pendra::logState;
+
 class Logging : public DeviceTest {};
 
 std::string repeat(char character, size_t count) {
@@ -17,9 +25,12 @@ std::string repeat(char character, size_t count) {
 }
 
 TEST_F(Logging, DefaultSettings_AreThoseOfALoadedLibrary) {
-    EXPECT_EQ(5, daemon_log_level);
-    EXPECT_EQ(250, daemon_log_file_size_k);
-    EXPECT_STREQ("", daemon_log_header);
+    EXPECT_EQ(5, levelAtLoad);
+    EXPECT_EQ(250, fileSizeAtLoad);
+    EXPECT_EQ("", headerAtLoad);
+    EXPECT_EQ("", directoryAtLoad);
+    EXPECT_STREQ("", stateAtLoad.fileName);
+    EXPECT_EQ(1, stateAtLoad.atLineStart);
     EXPECT_EQ(32U, sizeof daemon_log_header);
     EXPECT_EQ(64U, sizeof daemon_log_path);
 }

@@ -31,6 +31,11 @@ TEST_F(PartitionTable, SeveralLinesOfAName_GiveTheFirst) {
     EXPECT_EQ(0x140000, getMTDPartSize("\"kernel\""));
 }
 
+TEST_F(PartitionTable, FirstLineOfANameWithSizeZero_Counts) {
+    table("mtd0: 00000000 00010000 \"a\"\nmtd1: 00040000 00010000 \"a\"\n");
+    EXPECT_EQ(0, getMTDPartSize("\"a\""));
+}
+
 TEST_F(PartitionTable, OtherNames_GiveNothing) {
     table(kTable);
     testing::internal::CaptureStderr();

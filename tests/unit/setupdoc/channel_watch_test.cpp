@@ -68,6 +68,8 @@ TEST_F(ChannelWatch, LowestChannel_CountsAsAnyOther) {
     EXPECT_EQ(1, look("0", "1")); // in use
     EXPECT_EQ(0, look("1", "1"));
     EXPECT_EQ(0, look("0", "1"));
+    EXPECT_EQ(0, look("6", "6"));
+    EXPECT_EQ(0, look("1", "6")); // a new configuration
 }
 
 TEST_F(ChannelWatch, RadioWithoutChannels_IsLeftAlone) {
