@@ -3,9 +3,9 @@
 
 Usage: mutation_run.py [--count 500] [--seed 1] [--workers 1] [--sweeps] [--again] [--only TEXT] [--keep]
 
-Works on a copy of the last commit in build/mutation; --keep works on the copy that is there. --again tries only the mutants
-that docs/mutation.md explains, --only those of files whose path holds TEXT, and --sweeps runs the fault sweeps too, which
-take long. A mutant that does not compile, or whose optimized code is the original's byte for byte, is replaced by another.
+Works on a copy of the last commit in build/mutation; --keep works on the copy that is there and goes on where a run of the same
+seed was cut. --again tries only the mutants that docs/mutation.md explains, --only those of files whose path holds TEXT, and
+--sweeps runs the fault sweeps too, which take long. A mutant that does not compile, or whose optimized code is the original's byte for byte, is replaced by another.
 Exits with 1 when fewer than 90 % are killed or a survivor is not explained.
 """
 import argparse
@@ -187,7 +187,15 @@ def all_sites(only):
     return sites
 
 
-def sample(library, sites, count, workers):
+def outcomes_so_far(sites):
+    """What a run that was cut has found out: its results are those of the first sites."""
+    path = WORK / "results.txt"
+    lines = path.read_text(encoding="utf-8").splitlines() if path.exists() else []
+    known = [(site, *line.split("\t")[:2]) for site, line in zip(sites, lines) if line.endswith(f"\t{site.row}")]
+    return known if len(known) == len(lines) else []
+
+
+def sample(library, sites, count, workers, results):
     """Judges the first `count` sites that count; the others are replaced by those behind them."""
     places = SimpleQueue()
     for number in range(workers):
@@ -200,17 +208,22 @@ def sample(library, sites, count, workers):
         finally:
             places.put(place)
 
-    results, taken, counted = [], 0, 0
+    def counted():
+        return sum(outcome in ("killed", "survived") for _, outcome, _ in results)
+
     with ThreadPoolExecutor(workers) as pool, open(WORK / "results.txt", "w", encoding="utf-8") as log:
-        while counted < count and taken < len(sites):
-            batch = sites[taken:taken + min(count - counted, 50)]
-            taken += len(batch)
+        def keep(result):
+            site, outcome, reason = result
+            print(f"{outcome}\t{reason}\t{site.line}\t{site.row}", file=log, flush=True)
+
+        for result in results:
+            keep(result)
+        while counted() < count and len(results) < len(sites):
+            batch = sites[len(results):len(results) + min(count - counted(), 50)]
             for result in pool.map(judge_in_a_place, batch):
-                site, outcome, reason = result
                 results.append(result)
-                print(f"{outcome}\t{reason}\t{site.line}\t{site.row}", file=log, flush=True)
-            counted = sum(outcome in ("killed", "survived") for _, outcome, _ in results)
-            print(f"mutation: {counted} of {count}", flush=True)
+                keep(result)
+            print(f"mutation: {counted()} of {count}", flush=True)
     return results
 
 
@@ -247,7 +260,8 @@ def main():
     random.Random(options.seed).shuffle(sites)
     if options.again:
         sites = [site for site in sites if site.row in explained]
-    good = report(sample(library, sites, options.count, options.workers), explained)
+    known = outcomes_so_far(sites) if options.keep else []
+    good = report(sample(library, sites, options.count, options.workers, known), explained)
     sys.exit(0 if good or options.again else 1)
 
 

@@ -57,6 +57,16 @@ TEST_F(AccessControlParser, MissingElement_IsReportedByItsNameAlone) {
     EXPECT_STREQ("", access.path);
 }
 
+TEST_F(AccessControlParser, OneRule_GivesOneWhenItIsWhole) {
+    const auto parseRule = [this](const Element& element) {
+        Buffer buffer(element.text());
+        return do_ZepAcRule_Parser(kPath, buffer.text(), buffer.length(), &access.acRule[0], "AcRule");
+    };
+    EXPECT_EQ(1, parseRule(ruleElement(macOf(1))));
+    EXPECT_EQ(0, parseRule(ruleElement(macOf(1)).drop("MAC")));
+    EXPECT_EQ(0, parseRule(ruleElement(macOf(1)).drop("Active")));
+}
+
 TEST_F(AccessControlParser, EveryNumberOfRulesUpTo40_IsKept) {
     for (const int count : {0, 1, 2, 39, 40}) {
         SCOPED_TRACE(count);

@@ -42,6 +42,15 @@ TEST_F(RootParser, FailingDevice_GivesZero) {
     EXPECT_EQ(0, do_ZepRoot_Parser(buffer.text()));
 }
 
+TEST_F(RootParser, MissingOrOtherVersion_GivesZero) {
+    for (const int minor : {0, 2}) {
+        Buffer buffer(documentText(deviceElement(), 1, minor));
+        EXPECT_EQ(0, do_ZepRoot_Parser(buffer.text())) << minor;
+    }
+    Buffer buffer("<root>" + deviceElement().text() + "</root>");
+    EXPECT_EQ(0, do_ZepRoot_Parser(buffer.text()));
+}
+
 TEST_F(RootParser, Document_IsCutForGoodAtTheEndOfTheRoot) {
     const std::string whole = documentText(deviceElement()) + "<Other>behind</Other>";
     Buffer buffer(whole);
