@@ -50,6 +50,11 @@ const Upgrade& lastUpgrade() {
     return none;
 }
 
+// The fake tree counts no changes: everything is read anew for each request.
+std::size_t treeVersion() {
+    return 0;
+}
+
 } // namespace pendra::device
 
 namespace pendra::host {
