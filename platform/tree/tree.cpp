@@ -217,7 +217,10 @@ void Tree::close() {
     file_.clear();
 }
 
-/** LMDB gives up a file whose head page it could not write. What is in the file is whole, and is opened anew. */
+/**
+ * LMDB gives up a file whose head page it could not write, and a reader's slot that a child of this process was killed
+ * in. What is in the file is whole, and is opened anew.
+ */
 int Tree::reopen() {
     if (file_.empty()) return MDB_INVALID;
     if (transaction_ || readings_ > 0) return MDB_PANIC;
@@ -230,7 +233,7 @@ int Tree::reopen() {
 int Tree::beginTransaction(unsigned flags, MDB_txn*& transaction) {
     transaction = nullptr;
     int code = env_ ? mdb_txn_begin(env_, nullptr, flags, &transaction) : MDB_PANIC;
-    if (code == MDB_PANIC) {
+    if (code == MDB_PANIC || code == MDB_BAD_RSLOT) {
         code = reopen();
         if (code == 0) code = mdb_txn_begin(env_, nullptr, flags, &transaction);
     }
