@@ -62,8 +62,10 @@ Peer& peerOf(MHD_Connection* connection) {
 }
 
 MHD_Result answer(MHD_Connection* connection, Request& request, const Answer& answer) {
-    const std::string path(request.route == nullptr ? "(no route)" : request.route->path);
-    logLine(6, request.client + " " + path + " -> " + std::to_string(answer.status));
+    if (daemon_log_level >= 6) {
+        const std::string path(request.route == nullptr ? "(no route)" : request.route->path);
+        logLine(6, request.client + " " + path + " -> " + std::to_string(answer.status));
+    }
     request.answered = true;
     return sendAnswer(connection, answer);
 }
@@ -80,7 +82,7 @@ void readHeaders(MHD_Connection* connection, Request& request) {
 MHD_Result startRequest(MHD_Connection* connection, Request& request, const char* method, const char* path) {
     const size_t length = declaredLength(connection);
     request.started = true;
-    request.client = clientOf(connection);
+    request.client = peerOf(connection).address;
     readHeaders(connection, request);
     request.refusal = admitRequest(request, method, request.cutPath ? "" : path, length);
     if (!request.refusal) return MHD_YES;

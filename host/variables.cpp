@@ -54,7 +54,10 @@ Answer getVariable(Request& request) {
     if (get_ZepVar(name->c_str(), value, wantsPath ? 1 : 0) != 0) {
         return textAnswer(MHD_HTTP_NOT_FOUND, "There is no variable of this name.");
     }
-    return jsonAnswer({{"name", *name}, {wantsPath ? "path" : "value", value}});
+    ordered_json object; // filled one by one: a list of pairs would be copied twice on the way
+    object["name"] = *name;
+    object[wantsPath ? "path" : "value"] = value;
+    return jsonAnswer(object);
 }
 
 Answer getVariables(Request&) {
