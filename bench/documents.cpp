@@ -150,11 +150,11 @@ std::string setupDocument(const DocumentPlan& plan) {
 }
 
 std::string smallDocument() {
-    return setupDocument({});
+    return setupDocument({.rules24 = 4});
 }
 
 std::string largeDocument() {
-    return setupDocument({.rules24 = 40, .rules5 = 40, .indent = 4});
+    return setupDocument({.rules24 = 40, .rules5 = 40, .indent = 4, .bytes = 14000});
 }
 
 std::string hostileDocument(const std::string& piece, std::size_t bytes) {

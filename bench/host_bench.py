@@ -20,7 +20,7 @@ import urllib.request
 
 SOURCE = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
 VARIABLE = "zep_Wl2_WirelessName"
-CONNECTIONS = 8
+CONNECTIONS = 64
 STARTS = 11
 SERVER_CORE, CLIENT_CORE = 0, (os.cpu_count() or 1) - 1
 

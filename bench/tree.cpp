@@ -23,7 +23,7 @@ namespace {
 // Paths like those of a device: some levels, lists with elements.
 std::string pathOf(int number) {
     char path[96];
-    std::snprintf(path, sizeof path, "/lan/section%d:%d/accesscontrol/acrule:%d/mac", number % 7, number / 4000,
+    std::snprintf(path, sizeof path, "/lan/section%d:%d/accesscontrol/acrule:%d", number % 7, number / 4000,
                   number / 7);
     return path;
 }
