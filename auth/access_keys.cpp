@@ -79,7 +79,8 @@ int32_t pendra_auth_check(const char* request, const char* ip, const char* sessi
     if (key.text == nullptr) return -1;
     logPrintf(kLogTrace, "match_buff = %s, ip=%s, time=%ld\n", key.text, ip, static_cast<long>(now));
     if (!matchesSlotAround(now, key, KeyTail(ip, password))) return -1;
-    eventLine(kLogEvent, "PendraKey success, logout=%ld\n", static_cast<long>(now + kClientLifetimeSeconds));
+    const uint32_t logout = now + kClientLifetimeSeconds;
+    eventLine(kLogEvent, "PendraKey success, logout=%ld\n", static_cast<long>(logout));
     clientAuthListAdd(&clientauthinfo, ip, kUserName, password, session, 1);
     return 0;
 }

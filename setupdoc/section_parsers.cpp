@@ -158,6 +158,7 @@ void settleName(const Leaf& leaf, char* section) {
     logPrintf(kLogTrace, "Zep %s='%s' -> %d\n", leaf.tag, text, row);
 }
 
+// NOLINTNEXTLINE(readability-non-const-parameter): the number behind it is written
 bool readNumber(const Block& block, const Leaf& leaf, char* section) {
     auto& field = *reinterpret_cast<int32_t*>(section + leaf.offset);
     if (!readInt(block, leaf.tag, field)) return false;
