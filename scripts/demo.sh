@@ -42,6 +42,7 @@ prepare() {
 }
 
 start_device() {
+  : >"$state/pendrad.out" # there before it is read, whichever process runs first
   "$build/host/pendrad" --tree "$PENDRA_TREE" --tmp "$tmp" --scripts "$PWD/platform/device" \
     --device "$state/device" --port 0 --log-level 6 >"$state/pendrad.out" &
   device=$!
