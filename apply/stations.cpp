@@ -56,7 +56,7 @@ static_assert(sizeof(WirelessRequest) == 32);
 struct StationTable {
     alignas(8) unsigned char bytes[kTableSizeMax];
 
-    uint32_t count() const {
+    [[nodiscard]] uint32_t count() const {
         uint32_t entries = 0;
         std::memcpy(&entries, bytes, sizeof entries);
         return std::min(entries, kStationsMax); // whatever the driver says
@@ -84,7 +84,7 @@ bool readTable(const char* interfaceName, StationTable& table) {
 int strongestSignal(const unsigned char* entry) {
     int strongest = 0;
     for (int antenna = 0; antenna < kAntennas; antenna++) {
-        const int rssi = static_cast<signed char>(entry[kRssiOffset + static_cast<size_t>(antenna)]);
+        const int rssi = static_cast<int8_t>(entry[kRssiOffset + static_cast<size_t>(antenna)]);
         if (rssi != 0 && (strongest == 0 || strongest < rssi)) strongest = rssi;
     }
     return strongest;

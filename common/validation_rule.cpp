@@ -26,13 +26,15 @@ class Rule {
         split();
     }
 
-    int count() const { return count_; }
-    const char* field(int index) const { return fields_[index]; }
+    [[nodiscard]] int count() const { return count_; }
+    [[nodiscard]] const char* field(int index) const { return fields_[index]; }
 
-    int integer(int index, int whenAbsent) const {
+    [[nodiscard]] int integer(int index, int whenAbsent) const {
         return index < count_ ? pendra::parseInt(fields_[index]) : whenAbsent;
     }
-    float real(int index, float whenAbsent) const { return index < count_ ? toReal(fields_[index]) : whenAbsent; }
+    [[nodiscard]] float real(int index, float whenAbsent) const {
+        return index < count_ ? toReal(fields_[index]) : whenAbsent;
+    }
 
     // Read as a real number and narrowed to single precision, as the limits are stored; a text that is no number reads
     // as 0, "nan" too.

@@ -55,7 +55,7 @@ class Descriptor {
     }
     Descriptor(const Descriptor&) = delete;
     Descriptor& operator=(const Descriptor&) = delete;
-    int number() const { return number_; }
+    [[nodiscard]] int number() const { return number_; }
 
   private:
     int number_;
@@ -70,8 +70,10 @@ class Mapping {
     }
     Mapping(const Mapping&) = delete;
     Mapping& operator=(const Mapping&) = delete;
-    bool isValid() const { return start_ != MAP_FAILED; }
-    const unsigned char* at(int32_t offset) const { return static_cast<const unsigned char*>(start_) + offset; }
+    [[nodiscard]] bool isValid() const { return start_ != MAP_FAILED; }
+    [[nodiscard]] const unsigned char* at(int32_t offset) const {
+        return static_cast<const unsigned char*>(start_) + offset;
+    }
 
   private:
     size_t size_;
@@ -132,17 +134,17 @@ bool fitsFile(int32_t offset, int32_t length, int64_t size) {
 
 } // namespace
 
-extern "C" uint32_t check(const char* path, int32_t offset, int32_t length, char* text) {
-    const Message message(text);
+extern "C" uint32_t check(const char* path, int32_t offset, int32_t length, char* message) {
+    const Message answer(message);
     if (path == nullptr) path = "";
-    if (length < kHeaderSize) return message.refuse("Bad size: \"%s\" is no valid image\n", path);
+    if (length < kHeaderSize) return answer.refuse("Bad size: \"%s\" is no valid image\n", path);
     const Descriptor file(open(path, O_RDONLY));
     // Descriptor 0 alone counts as a failed open; a real failure shows at the next step, under the text clients know.
-    if (file.number() == 0) return message.refuse("Can't open %s: %s\n", path, std::strerror(errno));
+    if (file.number() == 0) return answer.refuse("Can't open %s: %s\n", path, std::strerror(errno));
     struct stat status = {};
-    if (fstat(file.number(), &status) != 0) return message.refuse("Can't stat %s: %s\n", path, std::strerror(errno));
-    if (!fitsFile(offset, length, status.st_size)) return message.refuse("Bad size: \"%s\" is no valid image\n", path);
+    if (fstat(file.number(), &status) != 0) return answer.refuse("Can't stat %s: %s\n", path, std::strerror(errno));
+    if (!fitsFile(offset, length, status.st_size)) return answer.refuse("Bad size: \"%s\" is no valid image\n", path);
     const Mapping mapping(file.number(), static_cast<size_t>(status.st_size));
-    if (!mapping.isValid()) return message.refuse("Can't mmap %s: %s\n", path, std::strerror(errno));
-    return checkImage(mapping.at(offset), length, path, message);
+    if (!mapping.isValid()) return answer.refuse("Can't mmap %s: %s\n", path, std::strerror(errno));
+    return checkImage(mapping.at(offset), length, path, answer);
 }

@@ -52,11 +52,11 @@ class FormReader {
         readValue(equals + 1);
         return true;
     }
-    const char* name() const { return name_; }
+    [[nodiscard]] const char* name() const { return name_; }
     char* value() { return value_; }
 
   private:
-    bool isGap(char character) const { return isWhiteSpace(character) || character == separator_; }
+    [[nodiscard]] bool isGap(char character) const { return isWhiteSpace(character) || character == separator_; }
 
     // A NUL separator ends nothing but the text itself.
     void skipGap() {
@@ -73,7 +73,7 @@ class FormReader {
     }
 
     // A line end also ends a value, unless the separator is one itself.
-    bool endsValue(char character) const {
+    [[nodiscard]] bool endsValue(char character) const {
         return character == '\0' || character == separator_ || (!isLineEnd(separator_) && isLineEnd(character));
     }
 

@@ -70,7 +70,7 @@ class Result {
     }
 
   private:
-    char text_[128];
+    char text_[128] = {};
     size_t length_ = 0;
     bool overflow_ = false;
 };

@@ -65,7 +65,7 @@ bool isUnlocked(int32_t stored, int32_t wanted) {
 // The numbers' meaning belongs to the roaming controller; what follows the fourth is not looked at.
 bool isRoaming(const char* text) {
     constexpr int kNumbers = 4;
-    int32_t numbers[kNumbers];
+    int32_t numbers[kNumbers] = {};
     for (int32_t& number : numbers) {
         char* end = nullptr;
         number = clampToInt(std::strtol(text, &end, 10));

@@ -19,10 +19,10 @@ struct Request {
     char* value;
     uint32_t flags;
 
-    bool gets() const { return (flags & ZEPVAR_GET) != 0; }
-    bool sets() const { return (flags & ZEPVAR_SET) != 0; }
-    bool checks() const { return (flags & (ZEPVAR_SET | ZEPVAR_VALIDATE)) != 0; }
-    bool asksForPath() const { return (flags & ZEPVAR_PATH) != 0; }
+    [[nodiscard]] bool gets() const { return (flags & ZEPVAR_GET) != 0; }
+    [[nodiscard]] bool sets() const { return (flags & ZEPVAR_SET) != 0; }
+    [[nodiscard]] bool checks() const { return (flags & (ZEPVAR_SET | ZEPVAR_VALIDATE)) != 0; }
+    [[nodiscard]] bool asksForPath() const { return (flags & ZEPVAR_PATH) != 0; }
 
     int32_t answer(const char* text) const; // puts a text into the buffer; kDone
 };

@@ -11,14 +11,14 @@ class VariableName {
   public:
     explicit VariableName(const char* behindPrefix) {
         constexpr int kPartsMax = 10;
-        for (const char* part = behindPrefix; part != nullptr && count_ < kPartsMax;) {
-            parts_[count_++] = part;
-            const char* underscore = std::strchr(part, '_');
-            part = underscore == nullptr ? nullptr : underscore + 1;
+        for (const char* start = behindPrefix; start != nullptr && count_ < kPartsMax;) {
+            parts_[count_++] = start;
+            const char* underscore = std::strchr(start, '_');
+            start = underscore == nullptr ? nullptr : underscore + 1;
         }
     }
-    int count() const { return count_; }
-    const char* part(int number) const { return parts_[number - 1]; }
+    [[nodiscard]] int count() const { return count_; }
+    [[nodiscard]] const char* part(int number) const { return parts_[number - 1]; }
     // Sections are recognised by the first three characters of a part.
     bool begins(int number, const char* prefix) const {
         return number <= count_ && std::strncmp(part(number), prefix, 3) == 0;
