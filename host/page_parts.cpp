@@ -1,9 +1,9 @@
 #include "host/page_parts.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <vector>
 
+#include "common/number.h"
 #include "host/record.h"
 #include "host/stations.h"
 #include "host/templates.h"
@@ -153,7 +153,7 @@ std::string modeField(const PageView& view, const Words& words) {
 std::string switchField(const PageView& view, const Words& words) {
     const std::string& name = words[1];
     const std::string now = fieldText(view, name);
-    if (std::atoi(variableText(name).c_str()) > 1) {
+    if (parseInt(variableText(name).c_str()) > 1) {
         return "<p class=\"fixed\">" + escapeHtml(wordAt(words, 2)) + ": fixed by the device</p>\n";
     }
     return std::string("<div class=\"field switch\">\n<input type=\"hidden\"") + attribute("name", name) +
@@ -248,7 +248,7 @@ std::string uptimeInWords(const PageView&, const Words&) {
 }
 
 std::string onOrOff(const PageView&, const Words& words) {
-    return std::atoi(variableText(words[1]).c_str()) % 2 == 1 ? "on" : "off"; // 3 is an "on" that is fixed
+    return parseInt(variableText(words[1]).c_str()) % 2 == 1 ? "on" : "off"; // 3 is an "on" that is fixed
 }
 
 // ---- the frame of every page ----

@@ -1,8 +1,8 @@
 #include "host/variables.h"
 
-#include <cstdlib>
 #include <nlohmann/json.hpp>
 
+#include "common/number.h"
 #include "host/form_run.h"
 #include "host/record.h"
 #include "host/setup_run.h"
@@ -22,8 +22,8 @@ Answer badRequest(const std::string& line) {
 // Which list the indexes of a variable's row count.
 int elementCount(const VariableInfo& variable) {
     const std::string row(variable.name.substr(0, variable.name.find("??")));
-    if (row.ends_with("_Ssv_S")) return std::atoi(variableText("zep_Ext_Ssv_SiteNo").c_str());
-    if (row.ends_with("_Acl_R")) return std::atoi(variableText(row.substr(0, row.size() - 1) + "AcRuleNo").c_str());
+    if (row.ends_with("_Ssv_S")) return parseInt(variableText("zep_Ext_Ssv_SiteNo").c_str());
+    if (row.ends_with("_Acl_R")) return parseInt(variableText(row.substr(0, row.size() - 1) + "AcRuleNo").c_str());
     return 0;
 }
 

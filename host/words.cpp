@@ -1,7 +1,8 @@
 #include "host/words.h"
 
-#include <cstdlib>
 #include <vector>
+
+#include "common/number.h"
 
 namespace pendra::host {
 
@@ -48,16 +49,16 @@ std::string characterRanges(const std::vector<std::string>& fields) {
 
 std::string lengthInWords(const std::string& shortest, const std::string& longest) {
     if (shortest == longest) return "exactly " + longest;
-    return std::atoi(shortest.c_str()) > 0 ? shortest + " to " + longest : "up to " + longest;
+    return parseInt(shortest.c_str()) > 0 ? shortest + " to " + longest : "up to " + longest;
 }
 
 std::string textRuleInWords(const std::vector<std::string>& fields) {
-    const bool anyCharacter = std::atoi(fieldOr(fields, 3, "0").c_str()) != 0;
+    const bool anyCharacter = parseInt(fieldOr(fields, 3, "0").c_str()) != 0;
     std::string words = lengthInWords(fieldOr(fields, 2, "1"), fieldOr(fields, 1, "9999"));
     words += anyCharacter ? " characters" : " characters, no accents";
     const std::string ranges = characterRanges(fields);
     if (ranges.empty()) return words;
-    const bool isAllowList = std::atoi(fieldOr(fields, 4, "0").c_str()) != 0;
+    const bool isAllowList = parseInt(fieldOr(fields, 4, "0").c_str()) != 0;
     return words + (isAllowList ? "; only these: " : "; none of these: ") + ranges;
 }
 
@@ -119,7 +120,7 @@ std::string misfitInWords(const VariableInfo& variable, const std::string& hint)
 
 std::string ruleInWords(std::string_view rule) {
     const std::vector<std::string> fields = ruleFields(rule);
-    const int type = std::atoi(fields[0].c_str());
+    const int type = parseInt(fields[0].c_str());
     if (rule.empty() || type < 0 || type > 1) return {};
     return type == 1 ? numberRuleInWords(fields) : textRuleInWords(fields);
 }

@@ -25,7 +25,7 @@ INSTANTIATE_TEST_SUITE_P(
                     RuleRow{"0,32,1,0,0,<,>,\\,", "1 to 32 characters, no accents; none of these: < > ,"},
                     RuleRow{"0,32,1,0,0, ", "1 to 32 characters, no accents; none of these: blank"},
                     RuleRow{"1,13,1", "a number from 1 to 13"}, RuleRow{"1,13", "a number up to 13"},
-                    RuleRow{"1", "a number"}, RuleRow{"2,1,1", ""}, RuleRow{"", ""}));
+                    RuleRow{"1", "a number"}, RuleRow{"2,1,1", ""}, RuleRow{"4294967297,1,1", ""}, RuleRow{"", ""}));
 
 TEST(RefusalOfNothing, NoVariable_IsSaid) {
     EXPECT_EQ(refusalInWords(nullptr, 2, ""), "There is no such setting.");
