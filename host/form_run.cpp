@@ -29,7 +29,17 @@ std::string checkName(FormPair& pair, Actions actions) {
     return {};
 }
 
-std::string checkPairs(std::vector<FormPair>& pairs, Actions actions);
+// The first pair that @p faultOf finds a fault in, and the fault.
+template <typename FaultOf>
+std::string checkEach(std::vector<FormPair>& pairs, FaultOf faultOf) {
+    size_t number = 0;
+    for (FormPair& pair : pairs) {
+        ++number;
+        const std::string fault = faultOf(pair);
+        if (!fault.empty()) return inPair(number, fault);
+    }
+    return {};
+}
 
 // The value of this action is a form of its own, whose names reach the library too.
 std::string checkInnerForm(const FormPair& pair) {
@@ -39,18 +49,15 @@ std::string checkInnerForm(const FormPair& pair) {
     // By either spelling: each level would be checked by a call within the one before.
     const bool nested =
         std::any_of(inner->begin(), inner->end(), [](const FormPair& p) { return libraryName(p.name) == kSetAction; });
-    return nested ? "it cannot hold itself." : checkPairs(*inner, Actions::allowed);
+    if (nested) return "it cannot hold itself.";
+    return checkEach(*inner, [](FormPair& pair) { return checkName(pair, Actions::allowed); });
 }
 
 std::string checkPairs(std::vector<FormPair>& pairs, Actions actions) {
-    size_t number = 0;
-    for (FormPair& pair : pairs) {
-        ++number;
-        std::string fault = checkName(pair, actions);
-        if (fault.empty()) fault = checkInnerForm(pair);
-        if (!fault.empty()) return inPair(number, fault);
-    }
-    return {};
+    return checkEach(pairs, [actions](FormPair& pair) {
+        const std::string fault = checkName(pair, actions);
+        return fault.empty() ? checkInnerForm(pair) : fault;
+    });
 }
 
 bool asksForCommit(const FormPair& pair) {
