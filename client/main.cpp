@@ -51,7 +51,7 @@ struct CommandLine {
     void addCommand(const std::string& name, const std::string& help, const Command& work) {
         app.add_subcommand(name, help)->callback([this, work] { command = work; });
     }
-    CLI::App& subcommand(const std::string& name) { return *app.get_subcommand(name); }
+    CLI::App& subcommand(const std::string& name) const { return *app.get_subcommand(name); }
 };
 
 void addGlobalOptions(CommandLine& line) {

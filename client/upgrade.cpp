@@ -117,18 +117,18 @@ class StallWatch {
 
 void download(DeviceClient& device) {
     FirmwareStatus status = device.firmwareAction('2');
-    DownloadBar bar;
+    DownloadBar progress;
     StallWatch watch;
     while (status.result == kFwDownloading) {
         const FirmwareState state = device.firmwareState();
-        bar.show(state.bytes, state.total);
+        progress.show(state.bytes, state.total);
         watch.look(state.bytes);
         std::this_thread::sleep_for(kPollInterval);
         status = device.firmwareAction('9');
     }
     if (status.result != kFwDownloaded) throw Failure(kRefused, "Somebody else has started the upgrade over.");
     const FirmwareState state = device.firmwareState();
-    bar.end(state.bytes, state.total);
+    progress.end(state.bytes, state.total);
     if (!isComplete(state)) failDownload(state);
 }
 

@@ -21,7 +21,7 @@ struct Section {
     const VariableTable& variables;
 };
 
-const Section kSections[] = {
+constexpr Section kSections[] = {
     {"Device", "zep_", "", kDeviceVariables},
     {"Device: validation rules", "zep_", "", kDeviceRules},
     {"Texts for pages", "zep_Var_", "", kConstantVariables},

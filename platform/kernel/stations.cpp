@@ -44,7 +44,7 @@ std::optional<Station> parseStation(const std::string& mac, std::istringstream& 
         rssi = static_cast<std::int8_t>(value);
     }
     std::string more;
-    return rssiWords >> more ? std::nullopt : std::optional(station);
+    return (rssiWords >> more) ? std::nullopt : std::optional(station);
 }
 
 void addEntry(StationTable& table, const Radio& radio, const Station& station) {

@@ -30,11 +30,11 @@ bool formatPath(std::string& path, const char* format, va_list arguments) {
 
 bool readNode(std::string& text, const char* format, va_list arguments) {
     std::string path;
-    return format && formatPath(path, format, arguments) && deviceTree().get(path, text) == Outcome::done;
+    return format != nullptr && formatPath(path, format, arguments) && deviceTree().get(path, text) == Outcome::done;
 }
 
 int storeNode(std::string_view text, const char* path) {
-    return path && deviceTree().set(path, text) == Outcome::done ? 0 : -1;
+    return path != nullptr && deviceTree().set(path, text) == Outcome::done ? 0 : -1;
 }
 
 /** Leading blanks and one sign are read over as atoi() does; a text without a number reads like an absent node. */
@@ -79,7 +79,7 @@ int xget_int(const char* pathFormat, ...) {
 }
 
 int xset_str(const char* value, const char* path) {
-    return value ? storeNode(value, path) : -1;
+    return value != nullptr ? storeNode(value, path) : -1;
 }
 
 int xset_int(int value, const char* path) {
@@ -87,7 +87,7 @@ int xset_int(int value, const char* path) {
 }
 
 int xdel(const char* path) {
-    return path && deviceTree().remove(path) == Outcome::done ? 0 : -1;
+    return path != nullptr && deviceTree().remove(path) == Outcome::done ? 0 : -1;
 }
 
 } // extern "C"

@@ -6,7 +6,7 @@ namespace pendra::tree {
 
 bool isPath(std::string_view path) {
     if (path.size() < 2 || path.size() > longestPath || path.front() != '/' || path.back() == '/') return false;
-    return path.find("//") == path.npos && path.find('\0') == path.npos;
+    return path.find("//") == std::string_view::npos && path.find('\0') == std::string_view::npos;
 }
 
 bool isCountPath(std::string_view path) {

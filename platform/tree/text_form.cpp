@@ -75,7 +75,7 @@ class LineReader {
 
     bool readUntil(std::string_view ends, std::string& out) {
         out.clear();
-        while (!rest_.empty() && ends.find(rest_.front()) == ends.npos) {
+        while (!rest_.empty() && ends.find(rest_.front()) == std::string_view::npos) {
             const char byte = rest_.front();
             rest_.remove_prefix(1);
             if (byte != '\\')
@@ -110,7 +110,7 @@ class LineReader {
 std::string_view takeLine(std::string_view& source) {
     const std::size_t end = source.find('\n');
     std::string_view line = source.substr(0, end);
-    source.remove_prefix(end == source.npos ? source.size() : end + 1);
+    source.remove_prefix(end == std::string_view::npos ? source.size() : end + 1);
     if (line.ends_with('\r')) line.remove_suffix(1);
     line.remove_prefix(std::min(line.find_first_not_of(blanks), line.size()));
     return line;

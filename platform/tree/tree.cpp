@@ -191,7 +191,7 @@ int Tree::openFile(std::size_t mapSize) {
     int code = reserveLockFile(file_);
     if (code == 0) code = mdb_env_create(&env_);
     if (code == 0) code = mdb_env_set_mapsize(env_, mapSize);
-    const unsigned flags = MDB_NOSUBDIR | (access_ == Access::read ? MDB_RDONLY : 0u);
+    const unsigned flags = MDB_NOSUBDIR | (access_ == Access::read ? MDB_RDONLY : 0U);
     if (code == 0) code = mdb_env_open(env_, file_.c_str(), flags, ownerOnly);
     if (code == 0) closeInChildren(env_);
     int dead = 0;

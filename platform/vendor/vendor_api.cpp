@@ -50,14 +50,15 @@ const Upgrade& pendra::device::lastUpgrade() {
 }
 
 extern "C" int tcapi_set(const char* node, const char* attribute, const char* value) {
-    const bool isKnown = node && attribute && value && node == upgradeNode && attribute == upgradeAttribute;
+    const bool isKnown = node != nullptr && attribute != nullptr && value != nullptr && node == upgradeNode &&
+                         attribute == upgradeAttribute;
     if (!isKnown || !isDeviceOpen()) return -1;
     upgrade = {.state = std::string_view(value) == "1" ? UpgradeState::announced : UpgradeState::none};
     return 0;
 }
 
 extern "C" int tcapi_commit(const char* node) {
-    const bool isKnown = node && node == upgradeNode;
+    const bool isKnown = node != nullptr && node == upgradeNode;
     if (!isKnown || upgrade.state != UpgradeState::announced || !isDeviceOpen()) return -1;
     const std::string image = announcedImage();
     std::string error;
