@@ -50,7 +50,7 @@ std::string checkInnerForm(const FormPair& pair) {
     const bool nested =
         std::any_of(inner->begin(), inner->end(), [](const FormPair& p) { return libraryName(p.name) == kSetAction; });
     if (nested) return "it cannot hold itself.";
-    return checkEach(*inner, [](FormPair& pair) { return checkName(pair, Actions::allowed); });
+    return checkEach(*inner, [](FormPair& inside) { return checkName(inside, Actions::allowed); });
 }
 
 std::string checkPairs(std::vector<FormPair>& pairs, Actions actions) {
